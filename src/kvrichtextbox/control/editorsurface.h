@@ -1,0 +1,321 @@
+#pragma once
+
+#include "control/colour.h"
+
+#include <QFont>
+#include <QList>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+
+#include <optional>
+
+class QPagedPaintDevice;
+class QWidget;
+
+namespace kvrtb {
+
+/// Screen twips per pixel: positions and indents cross the interface in twips, the surface
+/// lays out in pixels at 96 dots per inch.
+inline constexpr int kTwipsPerPixel = 15;
+
+/// The character locale that marks text as a link made by the control.
+inline constexpr int kLinkMarkerLocale = 357;
+
+enum class ScriptPosition { Normal = 0, Subscript = 1, Superscript = 2 };
+
+/// \brief Character attributes of a range.
+///
+/// Read from a selection, an empty optional means "mixed": the characters of the selection
+/// differ in that attribute. Given to `setSelectionCharFormat`, an empty optional means "leave
+/// as it is", so a record with one field set changes only that attribute.
+struct CharFormat {
+    std::optional<bool> bold;
+    std::optional<bool> italic;
+    std::optional<bool> underline;      ///< the user's underline; the link effect is not reported here
+    std::optional<bool> strikeThrough;
+    std::optional<bool> protectedText;
+    std::optional<bool> linkEffect;     ///< shown as a link: an underline of its own style, colour kept
+    std::optional<Colour> color;        ///< text colour, 0x00BBGGRR; `kAutoColour` = the default colour
+    std::optional<Colour> backColor;    ///< highlight; `kAutoColour` = automatic background (none)
+    std::optional<QString> fontName;
+    std::optional<double> fontSize;     ///< points
+    std::optional<int> charOffset;      ///< twips above (positive) or below the baseline
+    std::optional<ScriptPosition> script;
+    std::optional<int> locale;          ///< character locale id; `kLinkMarkerLocale` marks links
+    std::optional<QString> linkAddress; ///< address of the link, written to RTF as a HYPERLINK field
+
+    /// True when the locale is the link marker (false when mixed or absent).
+    bool hasLinkMarker() const { return locale && *locale == kLinkMarkerLocale; }
+};
+
+enum class ParaAlignment { Left = 0, Right = 1, Center = 2, Justify = 3 };
+
+/// Paragraph numbering; the values are those of `ListNN`.
+enum class Numbering {
+    None = 0,
+    Bullet = 1,
+    Arabic = 2,
+    LowerLetter = 3,
+    UpperLetter = 4,
+    LowerRoman = 5,
+    UpperRoman = 6
+};
+
+/// What follows or surrounds the number; the values are the platform's numbering styles.
+enum class NumberingStyle { RightParen = 0x000, Parens = 0x100, Period = 0x200, Plain = 0x300, NoNumber = 0x400 };
+
+/// Line-spacing rules; the values are the platform's rule numbers (`LineSpc`, plus "at least").
+enum class LineSpacingRule { Single = 0, OneAndHalf = 1, Double = 2, AtLeast = 3, Exactly = 4, Multiple = 5 };
+
+/// \brief Paragraph attributes; empty optionals mean mixed (read) or unchanged (write).
+///
+/// Indents are in twips: `leftIndent` is where the first line starts, `hangingIndent` is how far
+/// the following lines start to the right of the first one, `rightIndent` is from the right edge.
+struct ParaFormat {
+    std::optional<ParaAlignment> alignment;
+    std::optional<Numbering> numbering;
+    std::optional<int> numberingStart;
+    std::optional<NumberingStyle> numberingStyle;
+    std::optional<LineSpacingRule> lineSpacingRule;
+    std::optional<int> lineSpacing;     ///< twips for AtLeast/Exactly, twentieths of a line for Multiple
+    std::optional<int> leftIndent;
+    std::optional<int> rightIndent;
+    std::optional<int> hangingIndent;
+    std::optional<int> spaceBefore;     ///< twips
+    std::optional<int> spaceAfter;      ///< twips
+    std::optional<QList<int>> tabStops; ///< twips from the left edge, ascending
+    std::optional<int> bulletIndent;    ///< twips between a bullet or number and the text
+};
+
+/// Options of `find`; the values of `WholeWord` and `MatchCase` are those of `FindOptionsQ`.
+enum FindFlag { FindWholeWord = 2, FindMatchCase = 4, FindBackward = 0x100 };
+
+enum class WrapMode {
+    Window,    ///< wrap at the editor's width
+    Width,     ///< wrap at a fixed line width (twips)
+    None       ///< no wrapping: a line is a paragraph (or a part of it ended by a line break)
+};
+
+/// Mouse pointers, with the values of the host's pointer constants.
+enum class MousePointer { Default = 0, Arrow = 1, Cross = 2, IBeam = 3, SizeAll = 5, SizeNESW = 6,
+                          SizeNS = 7, SizeNWSE = 8, SizeWE = 9, UpArrow = 10, Hourglass = 11,
+                          NoDrop = 12, ArrowHourglass = 13, ArrowQuestion = 14, Hand = 99 };
+
+/// Kinds of document file the surface reads and writes itself.
+enum class SurfaceFileType { Rtf = 0, Text = 1 };
+
+/// \brief Receives what happens on the surface, in the terms of the control's events.
+///
+/// Key codes are the platform's virtual-key codes (A = 65, Enter = 13, Delete = 46, ...), shift
+/// states are 1 Shift, 2 Ctrl, 4 Alt. Arguments are references: setting a key code (and shift)
+/// to 0 in `keyDown` swallows the key, so the editor does not act on it; setting `keyAscii` to 0
+/// in `keyPress` drops the character. Mouse coordinates are pixels in the editor's viewport;
+/// buttons are 1 left, 2 right, 4 middle.
+class SurfaceListener {
+public:
+    virtual ~SurfaceListener() = default;
+    virtual void click() {}
+    virtual void dblClick() {}
+    virtual void selChange() {}
+    virtual void change() {}
+    virtual void keyDown(int &keyCode, int &shift) { Q_UNUSED(keyCode) Q_UNUSED(shift) }
+    virtual void keyPress(int &keyAscii) { Q_UNUSED(keyAscii) }
+    virtual void keyUp(int &keyCode, int &shift) { Q_UNUSED(keyCode) Q_UNUSED(shift) }
+    virtual void mouseDown(int &button, int &shift, float &x, float &y) { Q_UNUSED(button) Q_UNUSED(shift) Q_UNUSED(x) Q_UNUSED(y) }
+    virtual void mouseMove(int &button, int &shift, float &x, float &y) { Q_UNUSED(button) Q_UNUSED(shift) Q_UNUSED(x) Q_UNUSED(y) }
+    virtual void mouseUp(int &button, int &shift, float &x, float &y) { Q_UNUSED(button) Q_UNUSED(shift) Q_UNUSED(x) Q_UNUSED(y) }
+    /// The user asked for the context menu (right button or the menu key) at a global position.
+    virtual void contextMenu(const QPoint &globalPos) { Q_UNUSED(globalPos) }
+};
+
+/// \brief The rich-edit surface that every area of the control works on.
+///
+/// Positions are 0-based UTF-16 code units into `text()`, where a paragraph break is one "\n".
+/// Positions out of range are clamped, never an error. Lines are display lines: a wrapped
+/// paragraph has several; with wrapping off a line is a paragraph (a manual line break also
+/// starts a line). An empty document has one line. The Qt implementation is `QtEditorSurface`;
+/// the surface owns no control logic.
+class EditorSurface {
+public:
+    virtual ~EditorSurface() = default;
+
+    // --- Text -------------------------------------------------------------------------------
+    /// The whole plain text, paragraphs separated by "\n".
+    virtual QString text() const = 0;
+    /// Replaces the whole document with plain text; CR LF, CR and LF all become paragraph
+    /// breaks. Empties the undo buffer and sets the modified flag.
+    virtual void setText(const QString &text) = 0;
+    /// Number of positions in the document (the length of `text()`).
+    virtual int textLength() const = 0;
+    /// The plain text of [start, start + length), clamped.
+    virtual QString textRange(int start, int length) const = 0;
+
+    // --- RTF --------------------------------------------------------------------------------
+    /// The whole document as RTF. Each char of the string is one byte of the RTF text.
+    virtual QString rtf() const = 0;
+    /// Replaces the whole document with RTF. Returns false (document unchanged) with a reason
+    /// in \a error when the text cannot be read as RTF at all.
+    virtual bool setRtf(const QString &rtf, QString *error = nullptr) = 0;
+    /// The selection as RTF.
+    virtual QString selectedRtf() const = 0;
+    /// Replaces the selection with RTF (plain text when \a rtf is not RTF).
+    virtual bool replaceSelectionRtf(const QString &rtf, QString *error = nullptr) = 0;
+    /// Loads a whole file into the document; on failure the document is unchanged and \a error
+    /// says why (the file's name and the operating system's reason).
+    virtual bool loadFile(const QString &path, SurfaceFileType type, QString *error = nullptr) = 0;
+    /// Saves the whole document to a file as RTF or plain text (UTF-8, "\r\n" line ends).
+    virtual bool saveFile(const QString &path, SurfaceFileType type, QString *error = nullptr) const = 0;
+
+    // --- Selection --------------------------------------------------------------------------
+    virtual int selStart() const = 0;
+    virtual int selLength() const = 0;
+    /// Selects [start, start + length); length -1 means "to the end", so (0, -1) selects all.
+    /// The caret is at the end of the selection.
+    virtual void setSelection(int start, int length) = 0;
+    virtual void setSelStart(int start) = 0;     ///< moves the caret, collapsing the selection
+    virtual void setSelLength(int length) = 0;   ///< keeps the start, -1 = to the end
+    virtual QString selectedText() const = 0;
+    /// Replaces the selection with text ("\n" = paragraph break); one undo step; the caret ends
+    /// after the new text. The inserted text takes the format at the selection's start.
+    virtual void replaceSelection(const QString &text) = 0;
+
+    // --- Character format -------------------------------------------------------------------
+    /// The format of the selection (mixed attributes are empty); for an empty selection, the
+    /// format at the caret (what typing would insert).
+    virtual CharFormat selectionCharFormat() const = 0;
+    /// Applies the set fields of \a format to the selection (to the typing format when empty).
+    virtual void setSelectionCharFormat(const CharFormat &format) = 0;
+    /// Applies \a format to [start, start + length) without moving the selection.
+    virtual void setRangeCharFormat(int start, int length, const CharFormat &format) = 0;
+    /// Applies \a format to the whole document.
+    virtual void setDocumentCharFormat(const CharFormat &format) = 0;
+    /// \brief A batch of format changes applied as one edit: one undo step, one relayout.
+    struct FormatSpan {
+        int start = 0;
+        int length = 0;
+        CharFormat format;
+    };
+    virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// The format of [start, start + length) with mixed attributes empty.
+    virtual CharFormat rangeCharFormat(int start, int length) const = 0;
+
+    // --- Paragraph format -------------------------------------------------------------------
+    /// The format of the paragraphs the selection touches (mixed attributes empty).
+    virtual ParaFormat selectionParaFormat() const = 0;
+    virtual void setSelectionParaFormat(const ParaFormat &format) = 0;
+
+    // --- Find -------------------------------------------------------------------------------
+    /// Finds \a what in [start, end) (end -1 = to the end of the document) with `FindFlag`s;
+    /// FindBackward searches from end towards start. Returns the position or -1.
+    virtual int find(const QString &what, int start, int end, int flags) const = 0;
+
+    // --- Lines ------------------------------------------------------------------------------
+    virtual int lineCount() const = 0;
+    /// First position of a line; -1 = the caret's line; a line past the end gives -1.
+    virtual int lineIndex(int line) const = 0;
+    /// Length of the line holding \a position, without its break; -1 = the caret's line.
+    virtual int lineLength(int position) const = 0;
+    /// The line holding \a position; -1 = the line of the selection's start.
+    virtual int lineFromChar(int position) const = 0;
+    /// First line visible in the view (0-based).
+    virtual int firstVisibleLine() const = 0;
+    /// Scrolls the view by a number of lines (negative = up) and columns (characters).
+    virtual void scrollLines(int lines, int columns = 0) = 0;
+    /// The formatting rectangle in viewport pixels (left, top, right, bottom).
+    virtual QRect formattingRect() const = 0;
+    /// The position nearest to a viewport pixel point.
+    virtual int charFromPoint(const QPoint &point) const = 0;
+    /// Vertical scroll offset in pixels, and setting it back.
+    virtual int scrollOffset() const = 0;
+    virtual void setScrollOffset(int pixels) = 0;
+
+    // --- Span and UpTo ----------------------------------------------------------------------
+    /// Extends the selection over the run of characters in \a set (or, with \a negate, not in
+    /// it): forward from the selection's end, or backward from its start.
+    virtual void span(const QString &set, bool forward = true, bool negate = false) = 0;
+    /// Moves the caret up to the first character in \a set (or, with \a negate, not in it):
+    /// forward from the selection's end, or backward from its start. Without one, the caret goes
+    /// to the end (or the start) of the document.
+    virtual void upTo(const QString &set, bool forward = true, bool negate = false) = 0;
+
+    // --- Case -------------------------------------------------------------------------------
+    /// Case change of the selection: 0 lower, 1 upper, 2 title, 4 sentence, 5 toggle.
+    virtual void changeCase(int kind) = 0;
+
+    // --- Modified flag and the one-step undo ------------------------------------------------
+    virtual bool isModified() const = 0;
+    virtual void setModified(bool modified) = 0;
+    /// True when `undo` would change the document.
+    virtual bool canUndo() const = 0;
+    /// Undoes the last edit; called again right after, it redoes it (one toggling step).
+    virtual void undo() = 0;
+    virtual void emptyUndoBuffer() = 0;
+
+    // --- Clipboard --------------------------------------------------------------------------
+    virtual void cut() = 0;
+    virtual void copy() const = 0;
+    virtual void paste() = 0;
+    /// Deletes the selection without touching the clipboard.
+    virtual void clear() = 0;
+    virtual bool canPaste() const = 0;
+
+    // --- Wrapping ---------------------------------------------------------------------------
+    virtual void setWrap(WrapMode mode, int widthTwips = 0) = 0;
+    virtual WrapMode wrapMode() const = 0;
+
+    // --- Freeze -----------------------------------------------------------------------------
+    /// Stops repainting; nests with a counter.
+    virtual void freeze() = 0;
+    /// Ends one freeze; the display catches up when the count returns to zero.
+    virtual void unfreeze() = 0;
+    virtual int freezeCount() const = 0;
+
+    // --- The box --------------------------------------------------------------------------
+    virtual bool isReadOnly() const = 0;
+    virtual void setReadOnly(bool readOnly) = 0;
+    /// Most characters the user may type or paste; 0 = no limit.
+    virtual int maxLength() const = 0;
+    virtual void setMaxLength(int length) = 0;
+    virtual QFont font() const = 0;
+    virtual void setFont(const QFont &font) = 0;
+    virtual Colour backColor() const = 0;
+    virtual void setBackColor(Colour colour) = 0;
+    virtual bool isEnabled() const = 0;
+    virtual void setEnabled(bool enabled) = 0;
+    /// Right margin in twips: with it set, lines wrap at that width (0 = none).
+    virtual int rightMargin() const = 0;
+    virtual void setRightMargin(int twips) = 0;
+    virtual MousePointer mousePointer() const = 0;
+    virtual void setMousePointer(MousePointer pointer) = 0;
+    /// Flat (0) or three-dimensional (1) look, and no border (0) or a single line (1).
+    virtual void setAppearance(int appearance) = 0;
+    virtual void setBorderStyle(int borderStyle) = 0;
+    virtual void setToolTip(const QString &tip) = 0;
+    virtual void setFocus() = 0;
+    virtual void refresh() = 0;
+    /// The native window id of the editor.
+    virtual quintptr windowHandle() const = 0;
+    /// The editor widget, for placing it in the control's layout.
+    virtual QWidget *widget() const = 0;
+    /// Renders the document onto a paged device (printing and print preview).
+    virtual void print(QPagedPaintDevice *device) const = 0;
+
+    // --- Events -----------------------------------------------------------------------------
+    /// The listener that receives the surface's events; not owned; nullptr for none.
+    virtual void setListener(SurfaceListener *listener) = 0;
+};
+
+/// \brief Freezes a surface for the lifetime of the guard.
+class SurfaceFreeze {
+public:
+    explicit SurfaceFreeze(EditorSurface &surface) : m_surface(surface) { m_surface.freeze(); }
+    ~SurfaceFreeze() { m_surface.unfreeze(); }
+    SurfaceFreeze(const SurfaceFreeze &) = delete;
+    SurfaceFreeze &operator=(const SurfaceFreeze &) = delete;
+
+private:
+    EditorSurface &m_surface;
+};
+
+} // namespace kvrtb

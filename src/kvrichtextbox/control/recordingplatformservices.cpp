@@ -1,0 +1,113 @@
+#include "control/recordingplatformservices.h"
+
+namespace kvrtb {
+
+QList<RecordingPlatformServices::Call> RecordingPlatformServices::callsOf(const QString &service) const
+{
+    QList<Call> result;
+    for (const Call &call : calls) {
+        if (call.service == service)
+            result.append(call);
+    }
+    return result;
+}
+
+MessageAnswer RecordingPlatformServices::messageBox(const QString &text, MessageButtons buttons,
+                                                    MessageIcon icon, const QString &title)
+{
+    calls.append({QStringLiteral("messageBox"), title, text, int(buttons), int(icon)});
+    if (!messageAnswers.isEmpty())
+        return messageAnswers.takeFirst();
+    switch (buttons) {
+    case MessageButtons::AbortRetryIgnore: return MessageAnswer::Abort;
+    case MessageButtons::YesNoCancel:
+    case MessageButtons::YesNo: return MessageAnswer::Yes;
+    case MessageButtons::RetryCancel: return MessageAnswer::Retry;
+    case MessageButtons::OK:
+    case MessageButtons::OKCancel: break;
+    }
+    return MessageAnswer::OK;
+}
+
+FileDialogResult RecordingPlatformServices::fileDialog(const QString &service, const FileDialogRequest &request)
+{
+    calls.append({service, request.title, request.filter, 0, 0});
+    fileDialogRequests.append(request);
+    return fileDialogAnswers.isEmpty() ? FileDialogResult{} : fileDialogAnswers.takeFirst();
+}
+
+FileDialogResult RecordingPlatformServices::openFileDialog(const FileDialogRequest &request)
+{
+    return fileDialog(QStringLiteral("openFileDialog"), request);
+}
+
+FileDialogResult RecordingPlatformServices::saveFileDialog(const FileDialogRequest &request)
+{
+    return fileDialog(QStringLiteral("saveFileDialog"), request);
+}
+
+ColourDialogResult RecordingPlatformServices::colourDialog(Colour initial)
+{
+    calls.append({QStringLiteral("colourDialog"), QString(), QString::number(initial), 0, 0});
+    return colourDialogAnswers.isEmpty() ? ColourDialogResult{false, initial} : colourDialogAnswers.takeFirst();
+}
+
+FontDialogResult RecordingPlatformServices::fontDialog(const QFont &initial)
+{
+    calls.append({QStringLiteral("fontDialog"), QString(), initial.family(), 0, 0});
+    return fontDialogAnswers.isEmpty() ? FontDialogResult{false, initial} : fontDialogAnswers.takeFirst();
+}
+
+bool RecordingPlatformServices::printDialog(QPrinter &)
+{
+    calls.append({QStringLiteral("printDialog"), QString(), QString(), 0, 0});
+    return printDialogAnswers.isEmpty() ? false : printDialogAnswers.takeFirst();
+}
+
+bool RecordingPlatformServices::openAddress(const QString &address, QString *error)
+{
+    calls.append({QStringLiteral("openAddress"), QString(), address, 0, 0});
+    openedAddresses.append(address);
+    if (!openAddressSucceeds && error)
+        *error = openAddressError;
+    return openAddressSucceeds;
+}
+
+void RecordingPlatformServices::playClickSound()
+{
+    calls.append({QStringLiteral("playClickSound"), QString(), QString(), 0, 0});
+    ++clickSounds;
+}
+
+void RecordingPlatformServices::setBusy(bool busy)
+{
+    busyDepth += busy ? 1 : -1;
+    maxBusyDepth = std::max(maxBusyDepth, busyDepth);
+}
+
+bool RecordingPlatformServices::hasPendingInput()
+{
+    return pendingInput;
+}
+
+void RecordingPlatformServices::processEvents()
+{
+    ++processEventsCalls;
+    if (onProcessEvents)
+        onProcessEvents();
+}
+
+int RecordingPlatformServices::popupMenu(const QList<MenuItem> &items, const QPoint &globalPos)
+{
+    calls.append({QStringLiteral("popupMenu"), QString(),
+                  QStringLiteral("%1,%2").arg(globalPos.x()).arg(globalPos.y()), 0, 0});
+    menus.append(items);
+    return menuAnswers.isEmpty() ? 0 : menuAnswers.takeFirst();
+}
+
+QPoint RecordingPlatformServices::cursorPosition()
+{
+    return cursor;
+}
+
+} // namespace kvrtb

@@ -1,0 +1,11 @@
+#include "control/threadstate.h"
+
+namespace kvrtb {
+
+ThreadState &threadState()
+{
+    thread_local ThreadState state;
+    return state;
+}
+
+} // namespace kvrtb

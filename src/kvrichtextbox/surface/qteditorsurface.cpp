@@ -1,0 +1,1059 @@
+#include "surface/qteditorsurface.h"
+
+#include "surface/formatmapping.h"
+#include "surface/rtf/rtfreader.h"
+#include "surface/rtf/rtfwriter.h"
+#include "surface/surfacetextedit.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QFile>
+#include <QSaveFile>
+#include <QScrollBar>
+#include <QStringDecoder>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
+
+#include <algorithm>
+
+namespace kvrtb {
+
+namespace {
+
+// The document's own separators, as the surface's plain text shows them.
+QString plainFromDocument(QString text)
+{
+    for (QChar &c : text) {
+        switch (c.unicode()) {
+        case 0xFDD0: // beginning of a frame (a table)
+        case 0xFDD1: // end of a frame
+        case QChar::ParagraphSeparator:
+        case QChar::LineSeparator: c = QLatin1Char('\n'); break;
+        case QChar::Nbsp: c = QLatin1Char(' '); break;
+        default: break;
+        }
+    }
+    return text;
+}
+
+QString normaliseLineEnds(QString text)
+{
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return text;
+}
+
+// RTF travels in a QString whose chars are bytes; a host may also hand over characters beyond
+// one byte, which are written as RTF Unicode escapes so that nothing is lost.
+QByteArray rtfBytes(const QString &rtf)
+{
+    QByteArray bytes;
+    bytes.reserve(rtf.size());
+    for (const QChar c : rtf) {
+        if (c.unicode() <= 0xFF)
+            bytes.append(char(c.unicode()));
+        else
+            bytes.append("\\u" + QByteArray::number(qint16(c.unicode())) + '?');
+    }
+    return bytes;
+}
+
+QChar characterAt(const QTextDocument *document, int position)
+{
+    const QChar c = document->characterAt(position);
+    switch (c.unicode()) {
+    case QChar::ParagraphSeparator:
+    case QChar::LineSeparator:
+    case 0xFDD0:
+    case 0xFDD1: return QLatin1Char('\n');
+    default: return c;
+    }
+}
+
+Qt::CursorShape cursorShape(MousePointer pointer)
+{
+    switch (pointer) {
+    case MousePointer::Arrow: return Qt::ArrowCursor;
+    case MousePointer::Cross: return Qt::CrossCursor;
+    case MousePointer::IBeam:
+    case MousePointer::Default: return Qt::IBeamCursor;
+    case MousePointer::SizeAll: return Qt::SizeAllCursor;
+    case MousePointer::SizeNESW: return Qt::SizeBDiagCursor;
+    case MousePointer::SizeNS: return Qt::SizeVerCursor;
+    case MousePointer::SizeNWSE: return Qt::SizeFDiagCursor;
+    case MousePointer::SizeWE: return Qt::SizeHorCursor;
+    case MousePointer::UpArrow: return Qt::UpArrowCursor;
+    case MousePointer::Hourglass: return Qt::WaitCursor;
+    case MousePointer::NoDrop: return Qt::ForbiddenCursor;
+    case MousePointer::ArrowHourglass: return Qt::BusyCursor;
+    case MousePointer::ArrowQuestion: return Qt::WhatsThisCursor;
+    case MousePointer::Hand: return Qt::PointingHandCursor;
+    }
+    return Qt::IBeamCursor;
+}
+
+} // namespace
+
+QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new SurfaceTextEdit(parent))
+{
+    QTextDocument *doc = m_edit->document();
+    doc->setUndoRedoEnabled(true);
+    connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
+    connect(doc, &QTextDocument::contentsChanged, this, [this] {
+        if (m_listener)
+            m_listener->change();
+    });
+    connect(doc, &QTextDocument::undoCommandAdded, this, [this] {
+        if (!m_undoing)
+            m_lastWasUndo = false;
+    });
+    connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
+    connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] { markLinesDirty(); });
+    connect(m_edit, &QTextEdit::cursorPositionChanged, this, &QtEditorSurface::onCursorMoved);
+    connect(m_edit, &QTextEdit::selectionChanged, this, &QtEditorSurface::onCursorMoved);
+    connect(m_edit, &QObject::destroyed, this, [this] { m_edit = nullptr; });
+}
+
+QtEditorSurface::~QtEditorSurface()
+{
+    // The widget may already have gone with its parent.
+    if (m_edit) {
+        m_edit->setListener(nullptr);
+        disconnect(m_edit, nullptr, this, nullptr);
+        disconnect(m_edit->document(), nullptr, this, nullptr);
+        disconnect(m_edit->document()->documentLayout(), nullptr, this, nullptr);
+        if (!m_edit->parent())
+            delete m_edit;
+    }
+}
+
+QTextDocument *QtEditorSurface::document() const
+{
+    return m_edit->document();
+}
+
+void QtEditorSurface::onContentsChange(int, int, int)
+{
+    m_modified = true;
+    markLinesDirty();
+}
+
+void QtEditorSurface::onCursorMoved()
+{
+    if (m_freezeCount > 0)
+        return;
+    const int start = selStart();
+    const int length = selLength();
+    if (start == m_lastSelStart && length == m_lastSelLength)
+        return;
+    m_lastSelStart = start;
+    m_lastSelLength = length;
+    if (m_listener)
+        m_listener->selChange();
+}
+
+// --- Cursor helpers -------------------------------------------------------------------------
+
+QTextCursor QtEditorSurface::cursor() const
+{
+    return m_freezeCount > 0 ? m_frozenCursor : m_edit->textCursor();
+}
+
+void QtEditorSurface::setCursor(const QTextCursor &cursor)
+{
+    if (m_freezeCount > 0)
+        m_frozenCursor = cursor;
+    else
+        m_edit->setTextCursor(cursor);
+}
+
+int QtEditorSurface::clamp(int position) const
+{
+    return std::clamp(position, 0, textLength());
+}
+
+QTextCursor QtEditorSurface::rangeCursor(int start, int length) const
+{
+    QTextCursor range(document());
+    const int from = clamp(start);
+    const int to = length < 0 ? textLength() : clamp(from + length);
+    range.setPosition(from);
+    range.setPosition(std::max(from, to), QTextCursor::KeepAnchor);
+    return range;
+}
+
+template <typename Operation>
+void QtEditorSurface::withWidgetCursor(Operation operation) const
+{
+    auto *self = const_cast<QtEditorSurface *>(this);
+    if (m_freezeCount > 0)
+        m_edit->setTextCursor(m_frozenCursor);
+    operation(m_edit);
+    if (m_freezeCount > 0)
+        self->m_frozenCursor = m_edit->textCursor();
+}
+
+// --- Text -----------------------------------------------------------------------------------
+
+QString QtEditorSurface::text() const
+{
+    return document()->toPlainText();
+}
+
+void QtEditorSurface::setText(const QString &text)
+{
+    m_edit->setPlainText(normaliseLineEnds(text));
+    m_lastWasUndo = false;
+    m_modified = true;
+    if (m_freezeCount > 0)
+        m_frozenCursor = QTextCursor(document());
+    markLinesDirty();
+}
+
+int QtEditorSurface::textLength() const
+{
+    return document()->characterCount() - 1;
+}
+
+QString QtEditorSurface::textRange(int start, int length) const
+{
+    return plainFromDocument(rangeCursor(start, length).selectedText());
+}
+
+// --- RTF ------------------------------------------------------------------------------------
+
+QString QtEditorSurface::rtf() const
+{
+    return QString::fromLatin1(rtf::writeRtf(*document()));
+}
+
+bool QtEditorSurface::setRtf(const QString &rtfText, QString *error)
+{
+    const QByteArray bytes = rtfBytes(rtfText);
+    if (!rtf::looksLikeRtf(bytes)) {
+        // Text that is not RTF is taken as plain text, as the rich-edit box does.
+        setText(rtfText);
+        return true;
+    }
+    const rtf::ReadResult result = rtf::readRtf(*document(), bytes);
+    if (!result.ok) {
+        if (error)
+            *error = result.error;
+        return false;
+    }
+    document()->clearUndoRedoStacks();
+    m_lastWasUndo = false;
+    m_modified = true;
+    setCursor(QTextCursor(document()));
+    markLinesDirty();
+    return true;
+}
+
+QString QtEditorSurface::selectedRtf() const
+{
+    const QTextCursor current = cursor();
+    return QString::fromLatin1(rtf::writeRtf(*document(), current.selectionStart(), current.selectionEnd()));
+}
+
+bool QtEditorSurface::replaceSelectionRtf(const QString &rtfText, QString *error)
+{
+    const QByteArray bytes = rtfBytes(rtfText);
+    if (!rtf::looksLikeRtf(bytes)) {
+        replaceSelection(rtfText);
+        return true;
+    }
+    QTextCursor current = cursor();
+    const rtf::ReadResult result = rtf::insertRtf(current, bytes);
+    if (!result.ok) {
+        if (error)
+            *error = result.error;
+        return false;
+    }
+    setCursor(current);
+    return true;
+}
+
+bool QtEditorSurface::loadFile(const QString &path, SurfaceFileType type, QString *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = QStringLiteral("Cannot open \"%1\": %2").arg(path, file.errorString());
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        if (error)
+            *error = QStringLiteral("Cannot read \"%1\": %2").arg(path, file.errorString());
+        return false;
+    }
+    if (type == SurfaceFileType::Rtf) {
+        if (!rtf::looksLikeRtf(bytes)) {
+            if (error)
+                *error = QStringLiteral("\"%1\" is not an RTF file.").arg(path);
+            return false;
+        }
+        return setRtf(QString::fromLatin1(bytes), error);
+    }
+    // Plain text: UTF-16 or UTF-8 by their byte-order marks, UTF-8 when the bytes are valid
+    // UTF-8, the Latin range otherwise.
+    QString text;
+    if (auto encoding = QStringConverter::encodingForData(bytes)) {
+        QStringDecoder decoder(*encoding);
+        text = decoder(bytes);
+    } else {
+        QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+        text = utf8(bytes);
+        if (utf8.hasError())
+            text = QString::fromLatin1(bytes);
+    }
+    if (text.startsWith(QChar(0xFEFF)))
+        text.remove(0, 1);
+    setText(text);
+    return true;
+}
+
+bool QtEditorSurface::saveFile(const QString &path, SurfaceFileType type, QString *error) const
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        if (error)
+            *error = QStringLiteral("Cannot write \"%1\": %2").arg(path, file.errorString());
+        return false;
+    }
+    QByteArray bytes;
+    if (type == SurfaceFileType::Rtf) {
+        bytes = rtf::writeRtf(*document());
+    } else {
+        QString plain = text();
+        plain.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
+        bytes = plain.toUtf8();
+    }
+    if (file.write(bytes) != bytes.size() || !file.commit()) {
+        if (error)
+            *error = QStringLiteral("Cannot write \"%1\": %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+// --- Selection ------------------------------------------------------------------------------
+
+int QtEditorSurface::selStart() const
+{
+    return cursor().selectionStart();
+}
+
+int QtEditorSurface::selLength() const
+{
+    const QTextCursor current = cursor();
+    return current.selectionEnd() - current.selectionStart();
+}
+
+void QtEditorSurface::setSelection(int start, int length)
+{
+    setCursor(rangeCursor(start, length));
+}
+
+void QtEditorSurface::setSelStart(int start)
+{
+    setSelection(start, 0);
+}
+
+void QtEditorSurface::setSelLength(int length)
+{
+    setSelection(selStart(), length);
+}
+
+QString QtEditorSurface::selectedText() const
+{
+    return plainFromDocument(cursor().selectedText());
+}
+
+void QtEditorSurface::replaceSelection(const QString &text)
+{
+    QTextCursor current = cursor();
+    current.insertText(normaliseLineEnds(text));
+    setCursor(current);
+}
+
+// --- Character format -----------------------------------------------------------------------
+
+CharFormat QtEditorSurface::rangeCharFormat(int start, int length) const
+{
+    const QTextCursor range = rangeCursor(start, length);
+    const format::CharDefaults defaults =
+        format::defaultsOf(*document(), fromQColor(m_edit->palette().color(QPalette::Text)));
+    const int from = range.selectionStart();
+    const int to = range.selectionEnd();
+    format::CharFormatMerger merger;
+    if (from < to) {
+        for (QTextBlock block = document()->findBlock(from); block.isValid() && block.position() < to;
+             block = block.next()) {
+            for (auto it = block.begin(); !it.atEnd(); ++it) {
+                const QTextFragment fragment = it.fragment();
+                if (fragment.position() + fragment.length() > from && fragment.position() < to)
+                    merger.add(format::readChar(fragment.charFormat(), defaults));
+            }
+        }
+    }
+    if (merger.isEmpty()) {
+        // An empty range (or one of paragraph breaks only): the format typing would insert.
+        QTextCursor at(document());
+        at.setPosition(from);
+        return format::readChar(from == cursor().position() && !cursor().hasSelection() ? cursor().charFormat()
+                                                                                       : at.charFormat(),
+                                defaults);
+    }
+    return merger.result();
+}
+
+CharFormat QtEditorSurface::selectionCharFormat() const
+{
+    const QTextCursor current = cursor();
+    if (!current.hasSelection()) {
+        const format::CharDefaults defaults =
+            format::defaultsOf(*document(), fromQColor(m_edit->palette().color(QPalette::Text)));
+        return format::readChar(current.charFormat(), defaults);
+    }
+    return rangeCharFormat(current.selectionStart(), current.selectionEnd() - current.selectionStart());
+}
+
+void QtEditorSurface::setSelectionCharFormat(const CharFormat &change)
+{
+    QTextCursor current = cursor();
+    format::applyCharFormat(current, change);
+    setCursor(current);
+}
+
+void QtEditorSurface::setRangeCharFormat(int start, int length, const CharFormat &change)
+{
+    QTextCursor range = rangeCursor(start, length);
+    if (range.hasSelection())
+        format::applyCharFormat(range, change);
+}
+
+void QtEditorSurface::setDocumentCharFormat(const CharFormat &change)
+{
+    setRangeCharFormat(0, -1, change);
+}
+
+void QtEditorSurface::applyCharFormats(const QList<FormatSpan> &spans)
+{
+    QTextCursor batch(document());
+    batch.beginEditBlock();
+    for (const FormatSpan &span : spans) {
+        QTextCursor range = rangeCursor(span.start, span.length);
+        if (range.hasSelection())
+            format::applyCharFormat(range, span.format);
+    }
+    batch.endEditBlock();
+}
+
+// --- Paragraph format -----------------------------------------------------------------------
+
+ParaFormat QtEditorSurface::selectionParaFormat() const
+{
+    const QTextCursor current = cursor();
+    const QTextBlock last = document()->findBlock(current.selectionEnd());
+    format::ParaFormatMerger merger;
+    for (QTextBlock block = document()->findBlock(current.selectionStart()); block.isValid(); block = block.next()) {
+        merger.add(format::readPara(block));
+        if (block == last)
+            break;
+    }
+    return merger.result();
+}
+
+void QtEditorSurface::setSelectionParaFormat(const ParaFormat &change)
+{
+    QTextCursor current = cursor();
+    format::applyParaFormat(current, change);
+    setCursor(current);
+}
+
+// --- Find -----------------------------------------------------------------------------------
+
+int QtEditorSurface::find(const QString &what, int start, int end, int flags) const
+{
+    if (what.isEmpty())
+        return -1;
+    const int from = clamp(start);
+    const int to = end < 0 ? textLength() : clamp(end);
+    if (to < from)
+        return -1;
+    QTextDocument::FindFlags qtFlags;
+    if (flags & FindWholeWord)
+        qtFlags |= QTextDocument::FindWholeWords;
+    if (flags & FindMatchCase)
+        qtFlags |= QTextDocument::FindCaseSensitively;
+    if (flags & FindBackward) {
+        qtFlags |= QTextDocument::FindBackward;
+        const QTextCursor found = document()->find(what, to, qtFlags);
+        if (found.isNull() || found.selectionStart() < from || found.selectionEnd() > to)
+            return -1;
+        return found.selectionStart();
+    }
+    const QTextCursor found = document()->find(what, from, qtFlags);
+    if (found.isNull() || found.selectionEnd() > to)
+        return -1;
+    return found.selectionStart();
+}
+
+// --- Lines ----------------------------------------------------------------------------------
+
+const QVector<int> &QtEditorSurface::lineStarts() const
+{
+    if (!m_linesDirty)
+        return m_lineStarts;
+    QTextDocument *doc = document();
+    QAbstractTextDocumentLayout *layout = doc->documentLayout();
+    // Lay out the whole document: line numbers count every display line.
+    layout->blockBoundingRect(doc->lastBlock());
+    m_lineStarts.resize(doc->blockCount() + 1);
+    int total = 0;
+    int index = 0;
+    for (QTextBlock block = doc->begin(); block.isValid(); block = block.next(), ++index) {
+        m_lineStarts[index] = total;
+        int lines = block.layout() ? block.layout()->lineCount() : 0;
+        if (lines == 0) {
+            layout->blockBoundingRect(block);
+            lines = block.layout() ? block.layout()->lineCount() : 0;
+        }
+        total += std::max(1, lines);
+    }
+    m_lineStarts.resize(index + 1);
+    m_lineStarts[index] = total;
+    m_linesDirty = false;
+    return m_lineStarts;
+}
+
+int QtEditorSurface::lineCount() const
+{
+    return lineStarts().constLast();
+}
+
+int QtEditorSurface::lineFromChar(int position) const
+{
+    const QVector<int> &starts = lineStarts();
+    const int pos = position < 0 ? selStart() : clamp(position);
+    const QTextBlock block = document()->findBlock(pos);
+    if (!block.isValid())
+        return std::max(0, starts.constLast() - 1);
+    const int first = starts.at(block.blockNumber());
+    const QTextLayout *layout = block.layout();
+    if (!layout || layout->lineCount() == 0)
+        return first;
+    const QTextLine line = layout->lineForTextPosition(pos - block.position());
+    return first + (line.isValid() ? line.lineNumber() : layout->lineCount() - 1);
+}
+
+int QtEditorSurface::lineIndex(int line) const
+{
+    const QVector<int> &starts = lineStarts();
+    if (line == -1)
+        line = lineFromChar(cursor().position());
+    if (line < 0 || line >= starts.constLast())
+        return -1;
+    const auto it = std::upper_bound(starts.constBegin(), starts.constEnd() - 1, line);
+    const int blockNumber = int(it - starts.constBegin()) - 1;
+    const QTextBlock block = document()->findBlockByNumber(blockNumber);
+    const QTextLayout *layout = block.layout();
+    const int within = line - starts.at(blockNumber);
+    if (!layout || within >= layout->lineCount())
+        return block.position();
+    return block.position() + layout->lineAt(within).textStart();
+}
+
+int QtEditorSurface::lineLength(int position) const
+{
+    lineStarts(); // lays the document out
+    const int pos = position < 0 ? cursor().position() : clamp(position);
+    const QTextBlock block = document()->findBlock(pos);
+    const QTextLayout *layout = block.layout();
+    if (!block.isValid() || !layout || layout->lineCount() == 0)
+        return block.isValid() ? block.length() - 1 : 0;
+    QTextLine line = layout->lineForTextPosition(pos - block.position());
+    if (!line.isValid())
+        line = layout->lineAt(layout->lineCount() - 1);
+    int length = line.textLength();
+    const QString text = block.text();
+    const int end = line.textStart() + length;
+    if (length > 0 && end <= text.size() && text.at(end - 1) == QChar::LineSeparator)
+        --length;
+    return length;
+}
+
+int QtEditorSurface::lineTop(int line) const
+{
+    const QVector<int> &starts = lineStarts();
+    line = std::clamp(line, 0, starts.constLast() - 1);
+    const auto it = std::upper_bound(starts.constBegin(), starts.constEnd() - 1, line);
+    const int blockNumber = int(it - starts.constBegin()) - 1;
+    const QTextBlock block = document()->findBlockByNumber(blockNumber);
+    const QRectF rect = document()->documentLayout()->blockBoundingRect(block);
+    const QTextLayout *layout = block.layout();
+    const int within = line - starts.at(blockNumber);
+    if (!layout || within >= layout->lineCount())
+        return int(rect.top());
+    return int(rect.top() + layout->lineAt(within).y());
+}
+
+int QtEditorSurface::lineAtY(int y) const
+{
+    const QVector<int> &starts = lineStarts();
+    QAbstractTextDocumentLayout *layout = document()->documentLayout();
+    const int pos = layout->hitTest(QPointF(0, y), Qt::FuzzyHit);
+    if (pos < 0)
+        return 0;
+    const QTextBlock block = document()->findBlock(pos);
+    if (!block.isValid())
+        return 0;
+    const QRectF rect = layout->blockBoundingRect(block);
+    const QTextLayout *blockLayout = block.layout();
+    const int first = starts.at(block.blockNumber());
+    if (!blockLayout)
+        return first;
+    const double local = y - rect.top();
+    for (int i = 0; i < blockLayout->lineCount(); ++i) {
+        const QTextLine line = blockLayout->lineAt(i);
+        if (local < line.y() + line.height())
+            return first + i;
+    }
+    return first + std::max(0, blockLayout->lineCount() - 1);
+}
+
+int QtEditorSurface::firstVisibleLine() const
+{
+    return lineAtY(scrollOffset() + int(document()->documentMargin()));
+}
+
+void QtEditorSurface::scrollLines(int lines, int columns)
+{
+    if (lines != 0) {
+        const int target = std::clamp(firstVisibleLine() + lines, 0, lineCount() - 1);
+        const int margin = int(document()->documentMargin());
+        m_edit->verticalScrollBar()->setValue(std::max(0, lineTop(target) - margin));
+    }
+    if (columns != 0) {
+        QScrollBar *horizontal = m_edit->horizontalScrollBar();
+        horizontal->setValue(horizontal->value() + columns * m_edit->fontMetrics().averageCharWidth());
+    }
+}
+
+QRect QtEditorSurface::formattingRect() const
+{
+    const QRect viewport = m_edit->viewport()->rect();
+    const int margin = int(document()->documentMargin());
+    return QRect(viewport.left() + margin, viewport.top() + margin, std::max(0, viewport.width() - 2 * margin),
+                 std::max(0, viewport.height() - 2 * margin));
+}
+
+int QtEditorSurface::charFromPoint(const QPoint &point) const
+{
+    return m_edit->cursorForPosition(point).position();
+}
+
+int QtEditorSurface::scrollOffset() const
+{
+    return m_edit->verticalScrollBar()->value();
+}
+
+void QtEditorSurface::setScrollOffset(int pixels)
+{
+    m_edit->verticalScrollBar()->setValue(pixels);
+}
+
+// --- Span, UpTo and case --------------------------------------------------------------------
+
+void QtEditorSurface::span(const QString &set, bool forward, bool negate)
+{
+    const QTextDocument *doc = document();
+    const int length = textLength();
+    const auto inRun = [&](int position) { return set.contains(characterAt(doc, position)) != negate; };
+    const QTextCursor current = cursor();
+    int start = current.selectionStart();
+    int end = current.selectionEnd();
+    if (forward) {
+        while (end < length && inRun(end))
+            ++end;
+    } else {
+        while (start > 0 && inRun(start - 1))
+            --start;
+    }
+    setSelection(start, end - start);
+}
+
+void QtEditorSurface::upTo(const QString &set, bool forward, bool negate)
+{
+    const QTextDocument *doc = document();
+    const int length = textLength();
+    const auto stopsAt = [&](int position) { return set.contains(characterAt(doc, position)) != negate; };
+    const QTextCursor current = cursor();
+    int position = forward ? current.selectionEnd() : current.selectionStart();
+    if (forward) {
+        while (position < length && !stopsAt(position))
+            ++position;
+    } else {
+        while (position > 0 && !stopsAt(position - 1))
+            --position;
+    }
+    setSelection(position, 0);
+}
+
+void QtEditorSurface::changeCase(int kind)
+{
+    if (kind != 0 && kind != 1 && kind != 2 && kind != 4 && kind != 5)
+        return;
+    QTextCursor current = cursor();
+    if (!current.hasSelection())
+        return;
+    QTextDocument *doc = document();
+    const int start = current.selectionStart();
+    const int end = current.selectionEnd();
+
+    // Where words and sentences begin depends on what stands before the selection.
+    QChar previous = start > 0 ? characterAt(doc, start - 1) : QLatin1Char('\n');
+    bool sentenceStart = true;
+    for (int p = start - 1; p >= 0; --p) {
+        const QChar c = characterAt(doc, p);
+        if (c == QLatin1Char('\n'))
+            break;
+        if (c.isSpace())
+            continue;
+        sentenceStart = c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?');
+        break;
+    }
+
+    struct Piece {
+        int start;
+        int end;
+        QTextCharFormat format;
+    };
+    QList<Piece> pieces;
+    for (QTextBlock block = doc->findBlock(start); block.isValid() && block.position() < end; block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const int from = std::max(start, fragment.position());
+            const int to = std::min(end, fragment.position() + fragment.length());
+            if (from < to)
+                pieces.append({from, to, fragment.charFormat()});
+        }
+    }
+
+    QTextCursor work(doc);
+    work.beginEditBlock();
+    int delta = 0;
+    int lastEnd = start;
+    for (const Piece &piece : pieces) {
+        // Paragraph breaks between pieces start a new sentence and a new word.
+        if (piece.start > lastEnd) {
+            previous = QLatin1Char('\n');
+            sentenceStart = true;
+        }
+        lastEnd = piece.end;
+        QTextCursor read(doc);
+        read.setPosition(piece.start + delta);
+        read.setPosition(piece.end + delta, QTextCursor::KeepAnchor);
+        const QString before = read.selectedText();
+        QString after;
+        after.reserve(before.size());
+        for (const QChar c : before) {
+            QString out(c);
+            switch (kind) {
+            case 0: out = QString(c).toLower(); break;
+            case 1: out = QString(c).toUpper(); break;
+            case 2:
+                if (c.isLetter())
+                    out = (previous.isLetter() || previous == QLatin1Char('\'')) ? QString(c).toLower()
+                                                                                 : QString(c).toUpper();
+                break;
+            case 4:
+                if (c.isLetter()) {
+                    out = sentenceStart ? QString(c).toUpper() : QString(c).toLower();
+                    sentenceStart = false;
+                } else if (c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?')) {
+                    sentenceStart = true;
+                }
+                break;
+            case 5:
+                if (c.isUpper())
+                    out = QString(c).toLower();
+                else if (c.isLower())
+                    out = QString(c).toUpper();
+                break;
+            }
+            after += out;
+            previous = c;
+        }
+        if (after != before) {
+            read.insertText(after, piece.format);
+            delta += int(after.size() - before.size());
+        }
+    }
+    work.endEditBlock();
+    setSelection(start, end - start + delta);
+}
+
+// --- Modified flag and undo -----------------------------------------------------------------
+
+bool QtEditorSurface::isModified() const
+{
+    return m_modified;
+}
+
+void QtEditorSurface::setModified(bool modified)
+{
+    m_modified = modified;
+}
+
+bool QtEditorSurface::canUndo() const
+{
+    const QTextDocument *doc = document();
+    return m_lastWasUndo ? doc->isRedoAvailable() : doc->isUndoAvailable();
+}
+
+void QtEditorSurface::undo()
+{
+    if (!canUndo())
+        return;
+    m_undoing = true;
+    const bool redo = m_lastWasUndo;
+    withWidgetCursor([redo](SurfaceTextEdit *edit) {
+        if (redo)
+            edit->redo();
+        else
+            edit->undo();
+    });
+    m_lastWasUndo = !redo;
+    m_undoing = false;
+    markLinesDirty();
+}
+
+void QtEditorSurface::emptyUndoBuffer()
+{
+    document()->clearUndoRedoStacks();
+    m_lastWasUndo = false;
+}
+
+// --- Clipboard ------------------------------------------------------------------------------
+
+void QtEditorSurface::cut()
+{
+    withWidgetCursor([](SurfaceTextEdit *edit) { edit->cut(); });
+}
+
+void QtEditorSurface::copy() const
+{
+    withWidgetCursor([](SurfaceTextEdit *edit) { edit->copy(); });
+}
+
+void QtEditorSurface::paste()
+{
+    withWidgetCursor([](SurfaceTextEdit *edit) { edit->paste(); });
+}
+
+void QtEditorSurface::clear()
+{
+    QTextCursor current = cursor();
+    if (!current.hasSelection())
+        return;
+    current.removeSelectedText();
+    setCursor(current);
+}
+
+bool QtEditorSurface::canPaste() const
+{
+    return m_edit->canPaste();
+}
+
+// --- Wrapping -------------------------------------------------------------------------------
+
+void QtEditorSurface::applyWrap()
+{
+    int fixedTwips = 0;
+    if (m_wrapMode == WrapMode::Width)
+        fixedTwips = m_wrapWidth;
+    else if (m_wrapMode == WrapMode::Window && m_rightMargin > 0)
+        fixedTwips = m_rightMargin;
+    if (m_wrapMode == WrapMode::None) {
+        m_edit->setLineWrapMode(QTextEdit::NoWrap);
+    } else if (fixedTwips > 0) {
+        m_edit->setLineWrapMode(QTextEdit::FixedPixelWidth);
+        m_edit->setLineWrapColumnOrWidth(std::max(1, int(format::twipsToPixels(fixedTwips))));
+    } else {
+        m_edit->setLineWrapMode(QTextEdit::WidgetWidth);
+    }
+    markLinesDirty();
+}
+
+void QtEditorSurface::setWrap(WrapMode mode, int widthTwips)
+{
+    m_wrapMode = mode;
+    m_wrapWidth = widthTwips;
+    applyWrap();
+}
+
+WrapMode QtEditorSurface::wrapMode() const
+{
+    return m_wrapMode;
+}
+
+// --- Freeze ---------------------------------------------------------------------------------
+
+void QtEditorSurface::freeze()
+{
+    if (m_freezeCount++ == 0) {
+        m_frozenCursor = m_edit->textCursor();
+        m_edit->setUpdatesEnabled(false);
+    }
+}
+
+void QtEditorSurface::unfreeze()
+{
+    if (m_freezeCount == 0 || --m_freezeCount > 0)
+        return;
+    const QTextCursor widgetCursor = m_edit->textCursor();
+    if (widgetCursor.anchor() != m_frozenCursor.anchor() || widgetCursor.position() != m_frozenCursor.position())
+        m_edit->setTextCursor(m_frozenCursor);
+    m_frozenCursor = QTextCursor();
+    m_edit->setUpdatesEnabled(true);
+    m_edit->viewport()->update();
+    onCursorMoved();
+}
+
+int QtEditorSurface::freezeCount() const
+{
+    return m_freezeCount;
+}
+
+// --- The box --------------------------------------------------------------------------------
+
+bool QtEditorSurface::isReadOnly() const
+{
+    return m_edit->isReadOnly();
+}
+
+void QtEditorSurface::setReadOnly(bool readOnly)
+{
+    m_edit->setReadOnly(readOnly);
+}
+
+int QtEditorSurface::maxLength() const
+{
+    return m_edit->maxLength();
+}
+
+void QtEditorSurface::setMaxLength(int length)
+{
+    m_edit->setMaxLength(std::max(0, length));
+}
+
+QFont QtEditorSurface::font() const
+{
+    return document()->defaultFont();
+}
+
+void QtEditorSurface::setFont(const QFont &font)
+{
+    m_edit->setFont(font);
+    document()->setDefaultFont(font);
+    markLinesDirty();
+}
+
+Colour QtEditorSurface::backColor() const
+{
+    return m_edit->property("kvrtbBackColor").isValid() ? m_edit->property("kvrtbBackColor").toUInt()
+                                                        : 0x80000005u;
+}
+
+void QtEditorSurface::setBackColor(Colour colour)
+{
+    m_edit->setProperty("kvrtbBackColor", colour);
+    QPalette palette = m_edit->palette();
+    const QColor shown = toQColor(colour);
+    if (shown.isValid())
+        palette.setColor(QPalette::Base, shown);
+    m_edit->setPalette(palette);
+}
+
+bool QtEditorSurface::isEnabled() const
+{
+    return m_edit->isEnabled();
+}
+
+void QtEditorSurface::setEnabled(bool enabled)
+{
+    m_edit->setEnabled(enabled);
+}
+
+int QtEditorSurface::rightMargin() const
+{
+    return m_rightMargin;
+}
+
+void QtEditorSurface::setRightMargin(int twips)
+{
+    m_rightMargin = std::max(0, twips);
+    applyWrap();
+}
+
+MousePointer QtEditorSurface::mousePointer() const
+{
+    return m_pointer;
+}
+
+void QtEditorSurface::setMousePointer(MousePointer pointer)
+{
+    m_pointer = pointer;
+    m_edit->viewport()->setCursor(cursorShape(pointer));
+}
+
+void QtEditorSurface::setAppearance(int appearance)
+{
+    m_edit->setFrameShadow(appearance == 1 ? QFrame::Sunken : QFrame::Plain);
+}
+
+void QtEditorSurface::setBorderStyle(int borderStyle)
+{
+    m_edit->setFrameShape(borderStyle == 1 ? QFrame::StyledPanel : QFrame::NoFrame);
+}
+
+void QtEditorSurface::setToolTip(const QString &tip)
+{
+    m_edit->setToolTip(tip);
+}
+
+void QtEditorSurface::setFocus()
+{
+    m_edit->setFocus(Qt::OtherFocusReason);
+}
+
+void QtEditorSurface::refresh()
+{
+    m_edit->viewport()->repaint();
+    m_edit->repaint();
+}
+
+quintptr QtEditorSurface::windowHandle() const
+{
+    return quintptr(m_edit->winId());
+}
+
+QWidget *QtEditorSurface::widget() const
+{
+    return m_edit;
+}
+
+void QtEditorSurface::print(QPagedPaintDevice *device) const
+{
+    document()->print(device);
+}
+
+void QtEditorSurface::setListener(SurfaceListener *listener)
+{
+    m_listener = listener;
+    m_edit->setListener(listener);
+}
+
+} // namespace kvrtb

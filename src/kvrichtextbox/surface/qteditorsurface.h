@@ -1,0 +1,159 @@
+#pragma once
+
+#include "control/editorsurface.h"
+
+#include <QObject>
+#include <QTextCursor>
+#include <QVector>
+
+class QTextDocument;
+
+namespace kvrtb {
+
+class SurfaceTextEdit;
+
+/// \brief The editor surface over a QTextEdit and its QTextDocument.
+///
+/// Owns its editor widget (give it a parent through `widget()->setParent` or a layout). While
+/// frozen, selection changes are kept in a cursor of the surface's own and handed to the widget
+/// once, when the last freeze ends, so that bulk passes neither repaint nor scroll per step.
+class QtEditorSurface : public QObject, public EditorSurface {
+    Q_OBJECT
+public:
+    explicit QtEditorSurface(QWidget *parent = nullptr);
+    ~QtEditorSurface() override;
+
+    /// The underlying editor and document, for the surface's own helpers and its tests.
+    SurfaceTextEdit *editor() const { return m_edit; }
+    QTextDocument *document() const;
+
+    QString text() const override;
+    void setText(const QString &text) override;
+    int textLength() const override;
+    QString textRange(int start, int length) const override;
+
+    QString rtf() const override;
+    bool setRtf(const QString &rtf, QString *error = nullptr) override;
+    QString selectedRtf() const override;
+    bool replaceSelectionRtf(const QString &rtf, QString *error = nullptr) override;
+    bool loadFile(const QString &path, SurfaceFileType type, QString *error = nullptr) override;
+    bool saveFile(const QString &path, SurfaceFileType type, QString *error = nullptr) const override;
+
+    int selStart() const override;
+    int selLength() const override;
+    void setSelection(int start, int length) override;
+    void setSelStart(int start) override;
+    void setSelLength(int length) override;
+    QString selectedText() const override;
+    void replaceSelection(const QString &text) override;
+
+    CharFormat selectionCharFormat() const override;
+    void setSelectionCharFormat(const CharFormat &format) override;
+    void setRangeCharFormat(int start, int length, const CharFormat &format) override;
+    void setDocumentCharFormat(const CharFormat &format) override;
+    void applyCharFormats(const QList<FormatSpan> &spans) override;
+    CharFormat rangeCharFormat(int start, int length) const override;
+
+    ParaFormat selectionParaFormat() const override;
+    void setSelectionParaFormat(const ParaFormat &format) override;
+
+    int find(const QString &what, int start, int end, int flags) const override;
+
+    int lineCount() const override;
+    int lineIndex(int line) const override;
+    int lineLength(int position) const override;
+    int lineFromChar(int position) const override;
+    int firstVisibleLine() const override;
+    void scrollLines(int lines, int columns = 0) override;
+    QRect formattingRect() const override;
+    int charFromPoint(const QPoint &point) const override;
+    int scrollOffset() const override;
+    void setScrollOffset(int pixels) override;
+
+    void span(const QString &set, bool forward = true, bool negate = false) override;
+    void upTo(const QString &set, bool forward = true, bool negate = false) override;
+    void changeCase(int kind) override;
+
+    bool isModified() const override;
+    void setModified(bool modified) override;
+    bool canUndo() const override;
+    void undo() override;
+    void emptyUndoBuffer() override;
+
+    void cut() override;
+    void copy() const override;
+    void paste() override;
+    void clear() override;
+    bool canPaste() const override;
+
+    void setWrap(WrapMode mode, int widthTwips = 0) override;
+    WrapMode wrapMode() const override;
+
+    void freeze() override;
+    void unfreeze() override;
+    int freezeCount() const override;
+
+    bool isReadOnly() const override;
+    void setReadOnly(bool readOnly) override;
+    int maxLength() const override;
+    void setMaxLength(int length) override;
+    QFont font() const override;
+    void setFont(const QFont &font) override;
+    Colour backColor() const override;
+    void setBackColor(Colour colour) override;
+    bool isEnabled() const override;
+    void setEnabled(bool enabled) override;
+    int rightMargin() const override;
+    void setRightMargin(int twips) override;
+    MousePointer mousePointer() const override;
+    void setMousePointer(MousePointer pointer) override;
+    void setAppearance(int appearance) override;
+    void setBorderStyle(int borderStyle) override;
+    void setToolTip(const QString &tip) override;
+    void setFocus() override;
+    void refresh() override;
+    quintptr windowHandle() const override;
+    QWidget *widget() const override;
+    void print(QPagedPaintDevice *device) const override;
+
+    void setListener(SurfaceListener *listener) override;
+
+private:
+    QTextCursor cursor() const;
+    void setCursor(const QTextCursor &cursor);
+    /// A cursor selecting [start, start + length) clamped to the document (-1 = to the end).
+    QTextCursor rangeCursor(int start, int length) const;
+    int clamp(int position) const;
+    /// Runs a widget operation on the current selection while frozen (the widget acts on its
+    /// own cursor, so the surface's cursor is handed over and taken back).
+    template <typename Operation>
+    void withWidgetCursor(Operation operation) const;
+    void markLinesDirty() { m_linesDirty = true; }
+    /// The display-line index: first line of each block, with the total at the end.
+    const QVector<int> &lineStarts() const;
+    /// The y coordinate (document pixels) of a line's top.
+    int lineTop(int line) const;
+    /// The line at a document y coordinate.
+    int lineAtY(int y) const;
+    void applyWrap();
+    void onContentsChange(int from, int removed, int added);
+    void onCursorMoved();
+
+    SurfaceTextEdit *m_edit = nullptr;
+    SurfaceListener *m_listener = nullptr;
+    QTextCursor m_frozenCursor;
+    int m_freezeCount = 0;
+    bool m_modified = false;
+    bool m_lastWasUndo = false;   ///< the next undo redoes
+    bool m_undoing = false;
+    WrapMode m_wrapMode = WrapMode::Window;
+    int m_wrapWidth = 0;
+    int m_rightMargin = 0;
+    MousePointer m_pointer = MousePointer::Default;
+    int m_lastSelStart = -1;
+    int m_lastSelLength = -1;
+    mutable bool m_linesDirty = true;
+    mutable QVector<int> m_lineStarts;
+};
+
+} // namespace kvrtb

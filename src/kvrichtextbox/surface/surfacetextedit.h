@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QTextEdit>
+
+namespace kvrtb {
+
+class SurfaceListener;
+
+/// \brief The QTextEdit under the Qt surface: turns Qt's input events into the surface's
+/// listener calls (virtual-key codes, by-reference arguments that can swallow a key), enforces
+/// the maximum length on typing and pasting, and offers and accepts RTF on the clipboard.
+class SurfaceTextEdit : public QTextEdit {
+    Q_OBJECT
+public:
+    explicit SurfaceTextEdit(QWidget *parent = nullptr);
+
+    void setListener(SurfaceListener *listener) { m_listener = listener; }
+    void setMaxLength(int length) { m_maxLength = length; }
+    int maxLength() const { return m_maxLength; }
+
+    /// The platform's virtual-key code of a Qt key (0 when it has none).
+    static int virtualKeyCode(int qtKey);
+    /// Shift state from Qt modifiers: 1 Shift, 2 Ctrl, 4 Alt.
+    static int shiftState(Qt::KeyboardModifiers modifiers);
+
+signals:
+    /// Emitted when the viewport's width changes (lines re-wrap).
+    void viewportResized();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    bool canInsertFromMimeData(const QMimeData *source) const override;
+    QMimeData *createMimeDataFromSelection() const override;
+    void insertFromMimeData(const QMimeData *source) override;
+
+private:
+    /// How many characters may still be inserted in place of the selection (-1 = no limit).
+    int roomLeft() const;
+
+    SurfaceListener *m_listener = nullptr;
+    int m_maxLength = 0;
+};
+
+} // namespace kvrtb

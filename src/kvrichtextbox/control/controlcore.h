@@ -1,0 +1,53 @@
+#pragma once
+
+#include "control/controlevents.h"
+#include "control/controlproperties.h"
+#include "control/editorsurface.h"
+#include "control/platformservices.h"
+
+#include <memory>
+
+class QWidget;
+
+namespace kvrtb {
+
+/// \brief Everything a control is, without the widget: its two editor surfaces, the platform
+/// services, its settings, the sink of its events, and one object per area of its logic.
+///
+/// `KvRTB` owns one and forwards its public members to the areas. Tests build one directly
+/// with recording services and events, so every area runs headless. Areas reach each other
+/// through the core (a linking pass records undo, a load runs the linking pass, ...).
+///
+/// Areas register here as they are built: a member `std::unique_ptr<Area>`, an accessor, and
+/// its construction in the constructor (areas are created after the surfaces and may keep a
+/// reference to the core).
+class ControlCore {
+public:
+    /// \a parent becomes the parent of the visible editor; the converter surface stays hidden.
+    /// The services and events must outlive the core.
+    ControlCore(QWidget *parent, PlatformServices &services, ControlEvents &events);
+    ~ControlCore();
+    ControlCore(const ControlCore &) = delete;
+    ControlCore &operator=(const ControlCore &) = delete;
+
+    /// The visible editing surface (`RichTextBox1`).
+    EditorSurface &surface() { return *m_surface; }
+    /// The hidden converter surface (`RichTextBox2`).
+    EditorSurface &converter() { return *m_converter; }
+    PlatformServices &services() { return m_services; }
+    ControlEvents &events() { return m_events; }
+    ControlProperties &properties() { return m_properties; }
+    const ControlProperties &properties() const { return m_properties; }
+
+    /// Freezes (true) or thaws (false) the editor's display, unless a paste holds the lock.
+    void lockWindowUpdate(bool lock);
+
+private:
+    PlatformServices &m_services;
+    ControlEvents &m_events;
+    ControlProperties m_properties;
+    std::unique_ptr<EditorSurface> m_surface;
+    std::unique_ptr<EditorSurface> m_converter;
+};
+
+} // namespace kvrtb

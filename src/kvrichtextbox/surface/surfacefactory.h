@@ -1,0 +1,14 @@
+#pragma once
+
+#include "control/editorsurface.h"
+
+#include <memory>
+
+class QWidget;
+
+namespace kvrtb {
+
+/// A new editor surface over Qt's rich-text editor; its widget gets \a parent.
+std::unique_ptr<EditorSurface> createEditorSurface(QWidget *parent);
+
+} // namespace kvrtb

@@ -400,6 +400,18 @@ void TestSpelling::membershipMatchesLiteralSearch()
     }
     for (const QString &line : linesOf(capitalText))
         words << line.mid(1, line.size() - 2);
+    // Words that span two neighbouring lines: the plain search finds "$" + word + "<" there.
+    QStringList spanning;
+    const QStringList spanned = lettersAtoZ() << QString();
+    for (const QString &name : spanned) {
+        const QStringList lines = name.isEmpty() ? linesOf(capitalText)
+                                                 : linesOf(Dictionary::LoadDictionaryText(name + QLatin1Char('$')));
+        for (qsizetype i = 1; i < lines.size(); i += 301)
+            spanning << lines[i - 1].mid(1) + QStringLiteral("\r\n") + lines[i].chopped(1);
+    }
+    for (const QString &word : spanning)
+        QVERIFY2(Dictionary::IsWordInDictionary(word), qPrintable(word));
+    words << spanning;
     int disagreements = 0;
     for (const QString &word : words) {
         const bool fast = Dictionary::IsWordInDictionary(word);

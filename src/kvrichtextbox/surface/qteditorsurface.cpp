@@ -15,6 +15,7 @@
 #include <QTextLayout>
 
 #include <algorithm>
+#include <cmath>
 
 namespace kvrtb {
 
@@ -186,11 +187,13 @@ template <typename Operation>
 void QtEditorSurface::withWidgetCursor(Operation operation) const
 {
     auto *self = const_cast<QtEditorSurface *>(this);
+    self->pauseBatch();
     if (m_freezeCount > 0)
         m_edit->setTextCursor(m_frozenCursor);
     operation(m_edit);
     if (m_freezeCount > 0)
         self->m_frozenCursor = m_edit->textCursor();
+    self->resumeBatch();
 }
 
 // --- Text -----------------------------------------------------------------------------------
@@ -202,7 +205,9 @@ QString QtEditorSurface::text() const
 
 void QtEditorSurface::setText(const QString &text)
 {
+    pauseBatch();
     m_edit->setPlainText(normaliseLineEnds(text));
+    resumeBatch();
     m_lastWasUndo = false;
     m_modified = true;
     if (m_freezeCount > 0)
@@ -235,7 +240,9 @@ bool QtEditorSurface::setRtf(const QString &rtfText, QString *error)
         setText(rtfText);
         return true;
     }
+    pauseBatch();
     const rtf::ReadResult result = rtf::readRtf(*document(), bytes);
+    resumeBatch();
     if (!result.ok) {
         if (error)
             *error = result.error;
@@ -489,10 +496,18 @@ int QtEditorSurface::find(const QString &what, int start, int end, int flags) co
         qtFlags |= QTextDocument::FindCaseSensitively;
     if (flags & FindBackward) {
         qtFlags |= QTextDocument::FindBackward;
-        const QTextCursor found = document()->find(what, to, qtFlags);
-        if (found.isNull() || found.selectionStart() < from || found.selectionEnd() > to)
-            return -1;
-        return found.selectionStart();
+        // Backward search finds matches that start before the position; one that runs past
+        // the range's end is passed over for the next one back.
+        int position = to;
+        while (position >= from) {
+            const QTextCursor found = document()->find(what, position, qtFlags);
+            if (found.isNull() || found.selectionStart() < from)
+                return -1;
+            if (found.selectionEnd() <= to)
+                return found.selectionStart();
+            position = found.selectionStart() - 1;
+        }
+        return -1;
     }
     const QTextCursor found = document()->find(what, from, qtFlags);
     if (found.isNull() || found.selectionEnd() > to)
@@ -504,6 +519,7 @@ int QtEditorSurface::find(const QString &what, int start, int end, int flags) co
 
 const QVector<int> &QtEditorSurface::lineStarts() const
 {
+    flushBatch();
     if (!m_linesDirty)
         return m_lineStarts;
     QTextDocument *doc = document();
@@ -594,33 +610,39 @@ int QtEditorSurface::lineTop(int line) const
     const QRectF rect = document()->documentLayout()->blockBoundingRect(block);
     const QTextLayout *layout = block.layout();
     const int within = line - starts.at(blockNumber);
+    // Rounded up, so that a view scrolled to this value shows the line itself at its top.
     if (!layout || within >= layout->lineCount())
-        return int(rect.top());
-    return int(rect.top() + layout->lineAt(within).y());
+        return int(std::ceil(rect.top()));
+    return int(std::ceil(rect.top() + layout->lineAt(within).y()));
 }
 
 int QtEditorSurface::lineAtY(int y) const
 {
     const QVector<int> &starts = lineStarts();
-    QAbstractTextDocumentLayout *layout = document()->documentLayout();
-    const int pos = layout->hitTest(QPointF(0, y), Qt::FuzzyHit);
-    if (pos < 0)
-        return 0;
-    const QTextBlock block = document()->findBlock(pos);
-    if (!block.isValid())
-        return 0;
-    const QRectF rect = layout->blockBoundingRect(block);
+    const QTextDocument *doc = document();
+    QAbstractTextDocumentLayout *layout = doc->documentLayout();
+    // The last block whose top is at or above y (blocks are laid out top to bottom).
+    int low = 0;
+    int high = doc->blockCount() - 1;
+    while (low < high) {
+        const int middle = (low + high + 1) / 2;
+        if (layout->blockBoundingRect(doc->findBlockByNumber(middle)).top() <= y)
+            low = middle;
+        else
+            high = middle - 1;
+    }
+    const QTextBlock block = doc->findBlockByNumber(low);
+    const int first = starts.at(low);
     const QTextLayout *blockLayout = block.layout();
-    const int first = starts.at(block.blockNumber());
-    if (!blockLayout)
+    if (!blockLayout || blockLayout->lineCount() == 0)
         return first;
-    const double local = y - rect.top();
+    const double local = y - layout->blockBoundingRect(block).top();
     for (int i = 0; i < blockLayout->lineCount(); ++i) {
         const QTextLine line = blockLayout->lineAt(i);
         if (local < line.y() + line.height())
             return first + i;
     }
-    return first + std::max(0, blockLayout->lineCount() - 1);
+    return first + blockLayout->lineCount() - 1;
 }
 
 int QtEditorSurface::firstVisibleLine() const
@@ -651,6 +673,7 @@ QRect QtEditorSurface::formattingRect() const
 
 int QtEditorSurface::charFromPoint(const QPoint &point) const
 {
+    flushBatch();
     return m_edit->cursorForPosition(point).position();
 }
 
@@ -799,16 +822,19 @@ void QtEditorSurface::changeCase(int kind)
 
 bool QtEditorSurface::isModified() const
 {
+    flushBatch();
     return m_modified;
 }
 
 void QtEditorSurface::setModified(bool modified)
 {
+    flushBatch();
     m_modified = modified;
 }
 
 bool QtEditorSurface::canUndo() const
 {
+    flushBatch();
     const QTextDocument *doc = document();
     return m_lastWasUndo ? doc->isRedoAvailable() : doc->isUndoAvailable();
 }
@@ -832,7 +858,9 @@ void QtEditorSurface::undo()
 
 void QtEditorSurface::emptyUndoBuffer()
 {
+    pauseBatch();
     document()->clearUndoRedoStacks();
+    resumeBatch();
     m_lastWasUndo = false;
 }
 
@@ -901,11 +929,40 @@ WrapMode QtEditorSurface::wrapMode() const
 
 // --- Freeze ---------------------------------------------------------------------------------
 
+// While frozen, every change goes into one open edit of the document: Qt then lays out the
+// changed range once when the freeze ends instead of after each change, which is what makes
+// passes of thousands of format changes fast. Queries that need the layout or the undo stack
+// flush the edit first, so they always see the document as it is.
 void QtEditorSurface::freeze()
 {
     if (m_freezeCount++ == 0) {
         m_frozenCursor = m_edit->textCursor();
         m_edit->setUpdatesEnabled(false);
+        m_batch = QTextCursor(document());
+        m_batch.beginEditBlock();
+        m_batchOpen = true;
+    }
+}
+
+void QtEditorSurface::flushBatch() const
+{
+    if (!m_batchOpen)
+        return;
+    m_batch.endEditBlock();
+    m_batch.beginEditBlock();
+}
+
+void QtEditorSurface::pauseBatch()
+{
+    if (m_batchOpen)
+        m_batch.endEditBlock();
+}
+
+void QtEditorSurface::resumeBatch()
+{
+    if (m_batchOpen) {
+        m_batch = QTextCursor(document());
+        m_batch.beginEditBlock();
     }
 }
 
@@ -913,6 +970,9 @@ void QtEditorSurface::unfreeze()
 {
     if (m_freezeCount == 0 || --m_freezeCount > 0)
         return;
+    m_batch.endEditBlock();
+    m_batchOpen = false;
+    m_batch = QTextCursor();
     const QTextCursor widgetCursor = m_edit->textCursor();
     if (widgetCursor.anchor() != m_frozenCursor.anchor() || widgetCursor.position() != m_frozenCursor.position())
         m_edit->setTextCursor(m_frozenCursor);

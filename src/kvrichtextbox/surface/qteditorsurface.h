@@ -129,6 +129,13 @@ private:
     template <typename Operation>
     void withWidgetCursor(Operation operation) const;
     void markLinesDirty() { m_linesDirty = true; }
+    /// Closes the edit that collects a frozen stretch's changes and opens a new one, so that
+    /// layout, the undo stack and the modified flag catch up before a query that needs them.
+    void flushBatch() const;
+    /// Closes the frozen stretch's edit for an operation that manages the document itself
+    /// (replacing it whole, undo); reopened by `resumeBatch`.
+    void pauseBatch();
+    void resumeBatch();
     /// The display-line index: first line of each block, with the total at the end.
     const QVector<int> &lineStarts() const;
     /// The y coordinate (document pixels) of a line's top.
@@ -142,6 +149,8 @@ private:
     SurfaceTextEdit *m_edit = nullptr;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;
+    mutable QTextCursor m_batch;  ///< holds the edit block open while frozen
+    bool m_batchOpen = false;
     int m_freezeCount = 0;
     bool m_modified = false;
     bool m_lastWasUndo = false;   ///< the next undo redoes

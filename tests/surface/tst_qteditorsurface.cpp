@@ -232,6 +232,36 @@ private slots:
         QCOMPARE(s->selectionCharFormat().backColor, std::optional<Colour>(kAutoColour));
     }
 
+    void largeBatchOfFormats()
+    {
+        auto s = makeSurface(300);
+        QStringList lines;
+        for (int i = 0; i < 2000; ++i)
+            lines << QStringLiteral("line %1 with some words to wrap in a narrow window").arg(i);
+        s->setText(lines.join(QLatin1Char('\n')));
+        const int lineCount = s->lineCount();
+        const int index500 = s->lineIndex(500);
+        QList<EditorSurface::FormatSpan> spans;
+        for (int i = 0; i < 1000; ++i) {
+            EditorSurface::FormatSpan span;
+            span.start = i * 90;
+            span.length = 4;
+            span.format.color = 0x0000FF;
+            span.format.bold = i % 2 == 0;
+            spans.append(span);
+        }
+        s->applyCharFormats(spans);
+        QCOMPARE(s->lineCount(), lineCount);
+        QCOMPARE(s->lineIndex(500), index500);
+        QCOMPARE(s->rangeCharFormat(90 * 7, 4).color, std::optional<Colour>(0x0000FFu));
+        QCOMPARE(s->rangeCharFormat(90 * 7, 4).bold, std::optional<bool>(false));
+        QCOMPARE(s->rangeCharFormat(90 * 8, 4).bold, std::optional<bool>(true));
+        QVERIFY(!s->rangeCharFormat(90 * 7 + 2, 4).color.has_value()); // runs past the span
+        QVERIFY(s->canUndo());
+        s->undo(); // the batch is one step
+        QCOMPARE(s->rangeCharFormat(0, -1).color, std::optional<Colour>(0u));
+    }
+
     void paragraphFormats()
     {
         auto s = makeSurface();

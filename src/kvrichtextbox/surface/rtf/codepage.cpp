@@ -49,7 +49,7 @@ const char *iconvNameOf(int codePage)
     case 1258: return "CP1258";
     case 1361: return "JOHAB";
     case 10000: return "MACINTOSH";
-    case 10001: return "SJIS";
+    case 10001: return "CP932"; // Mac Japanese, read as the Windows table like other readers do
     case 10004: return "MAC-ARABIC";
     case 10006: return "MAC-GREEK";
     case 10007: return "MAC-CYRILLIC";
@@ -149,7 +149,8 @@ int CodePageDecoder::codePageOfCharset(int charset)
     case 238: return 1250;
     case 254: return 437;
     case 255: return 850;
-    default: return 0; // 0 ANSI, 1 default, 2 symbol and the rest: the document's code page
+    case 0: return 1252; // ANSI: Western, whatever the document's code page
+    default: return 0;   // 1 default, 2 symbol and the rest: the document's code page
     }
 }
 

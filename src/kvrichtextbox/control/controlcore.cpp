@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <algorithm>
+
 namespace kvrtb {
 
 ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEvents &events)
@@ -27,6 +29,15 @@ void ControlCore::lockWindowUpdate(bool lock)
         m_surface->freeze();
     else
         m_surface->unfreeze();
+}
+
+void ControlCore::setProgress(int percent)
+{
+    const int clamped = std::clamp(percent, 0, 100);
+    if (clamped == m_progress)
+        return;
+    m_progress = clamped;
+    m_events.progressChanged(m_progress);
 }
 
 } // namespace kvrtb

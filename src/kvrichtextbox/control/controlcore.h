@@ -42,12 +42,37 @@ public:
     /// Freezes (true) or thaws (false) the editor's display, unless a paste holds the lock.
     void lockWindowUpdate(bool lock);
 
+    /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
+    int progress() const { return m_progress; }
+    /// Sets the percentage (clamped to 0..100) and tells the events sink.
+    void setProgress(int percent);
+
+    /// While true, selection changes are not reported to the host: bulk passes move the
+    /// selection without telling it. Use `QuietSelection` to set it for a scope.
+    bool isSelectionQuiet() const { return m_selectionQuiet > 0; }
+    void beginQuietSelection() { ++m_selectionQuiet; }
+    void endQuietSelection() { if (m_selectionQuiet > 0) --m_selectionQuiet; }
+
 private:
     PlatformServices &m_services;
     ControlEvents &m_events;
     ControlProperties m_properties;
     std::unique_ptr<EditorSurface> m_surface;
     std::unique_ptr<EditorSurface> m_converter;
+    int m_progress = 0;
+    int m_selectionQuiet = 0;
+};
+
+/// \brief Keeps selection changes from the host for the lifetime of the guard.
+class QuietSelection {
+public:
+    explicit QuietSelection(ControlCore &core) : m_core(core) { m_core.beginQuietSelection(); }
+    ~QuietSelection() { m_core.endQuietSelection(); }
+    QuietSelection(const QuietSelection &) = delete;
+    QuietSelection &operator=(const QuietSelection &) = delete;
+
+private:
+    ControlCore &m_core;
 };
 
 } // namespace kvrtb

@@ -29,6 +29,8 @@ public:
     virtual void menuHLColorClick() {}
     virtual void menuVBSyntaxClickStart() {}
     virtual void menuVBSyntaxClickEnd() {}
+    /// The completion percentage of the running long operation changed (0 when none runs).
+    virtual void progressChanged(int percent) { Q_UNUSED(percent) }
     /// A persisted property changed (the host marks its form dirty), under the property's key.
     virtual void propertyChanged(const QString &key) { Q_UNUSED(key) }
 };

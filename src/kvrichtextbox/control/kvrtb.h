@@ -1,0 +1,558 @@
+#pragma once
+
+#include "control/controlevents.h"
+#include "control/kvrtbtypes.h"
+#include "control/propertytable.h"
+
+#include <QFont>
+#include <QPixmap>
+#include <QPointer>
+#include <QStringList>
+#include <QVariant>
+#include <QWidget>
+
+#include <memory>
+
+class QProgressBar;
+
+namespace kvrtb {
+
+class ControlCore;
+class EditorSurface;
+class PlatformServices;
+class PropertyBag;
+
+/// \brief The rich-text editing control a host places on its windows.
+///
+/// `KvRTB` is a facade: it owns a `ControlCore` (the editing surfaces, settings and the logic of
+/// every area) and its public members forward to it. Everything a host uses is reachable by
+/// name through Qt's meta-object system: members are public slots or `Q_INVOKABLE`, settings
+/// are `Q_PROPERTY`s (the persisted ones designable), and the control's events are signals.
+///
+/// Conventions of the interface:
+/// - Booleans are `bool`; the by-name interface accepts -1/true and 0/false alike.
+/// - In/out arguments are references (the member writes them back; a directly connected
+///   signal handler may change them). Optional out arguments are pointers defaulting to nullptr.
+///   Arguments that are passed by reference only to be read are const references.
+/// - Nothing is thrown: failures come back as out arguments or as the member's not-found value
+///   (-1, false, an empty string or list).
+/// - Selection attributes that differ across the selection ("mixed") read as a null QVariant,
+///   by name and from C++ alike.
+/// - Members of areas that are not in this build yet return their not-found value and print a
+///   warning naming the member, once per member.
+///
+/// Life cycle: the constructor initialises (a new document model, the per-thread cancel flag
+/// and scratch string cleared); then the host calls either `initProperties()` (first placement)
+/// or `readProperties()` (restored from a saved form); `writeProperties()` when it saves; the
+/// destructor empties both surfaces and the scratch string.
+///
+/// \code
+/// kvrtb::KvRTB editor(&window);
+/// editor.initProperties();
+/// QObject::connect(&editor, &kvrtb::KvRTB::Change, &window, [] { ... });
+/// editor.setProperty("SelBold", true);
+/// \endcode
+class KvRTB : public QWidget, private ControlEvents {
+    Q_OBJECT
+
+    // --- Persisted properties, in table order -----------------------------------------------
+    Q_PROPERTY(bool AllowImages READ AllowImages WRITE setAllowImages DESIGNABLE true)
+    Q_PROPERTY(int Appearance READ Appearance WRITE setAppearance DESIGNABLE true)
+    Q_PROPERTY(uint BackColor READ BackColor WRITE setBackColor DESIGNABLE true)
+    Q_PROPERTY(int BorderStyle READ BorderStyle WRITE setBorderStyle DESIGNABLE true)
+    Q_PROPERTY(int BulletIndent READ BulletIndent WRITE setBulletIndent DESIGNABLE true)
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEditorEnabled DESIGNABLE true)
+    Q_PROPERTY(QFont Font READ Font WRITE setEditorFont DESIGNABLE true)
+    Q_PROPERTY(bool Locked READ Locked WRITE setLocked DESIGNABLE true)
+    Q_PROPERTY(int MaxLength READ MaxLength WRITE setMaxLength DESIGNABLE true)
+    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE setMouseIcon DESIGNABLE true)
+    Q_PROPERTY(int MousePointer READ MousePointer WRITE setMousePointer DESIGNABLE true)
+    Q_PROPERTY(int RightMargin READ RightMargin WRITE setRightMargin DESIGNABLE true)
+    Q_PROPERTY(QString Text READ Text WRITE setText DESIGNABLE true)
+    Q_PROPERTY(QString TextRTF READ TextRTF WRITE setTextRTF DESIGNABLE true)
+    Q_PROPERTY(bool RemoveUnUsableData READ RemoveUnUsableData WRITE setRemoveUnUsableData DESIGNABLE true)
+    Q_PROPERTY(uint ColorVBNetKeyWord READ ColorVBNetKeyWord WRITE setColorVBNetKeyWord DESIGNABLE true)
+    Q_PROPERTY(uint ColorVB6KeyWord READ ColorVB6KeyWord WRITE setColorVB6KeyWord DESIGNABLE true)
+    Q_PROPERTY(uint ColorVBNetComment READ ColorVBNetComment WRITE setColorVBNetComment DESIGNABLE true)
+    Q_PROPERTY(uint ColorVB6Comment READ ColorVB6Comment WRITE setColorVB6Comment DESIGNABLE true)
+    Q_PROPERTY(uint ColorVBNetString READ ColorVBNetString WRITE setColorVBNetString DESIGNABLE true)
+    Q_PROPERTY(uint ColorVB6String READ ColorVB6String WRITE setColorVB6String DESIGNABLE true)
+    Q_PROPERTY(uint ColorMyFirstKeyWord READ ColorMyFirstKeyWord WRITE setColorMyFirstKeyWord DESIGNABLE true)
+    Q_PROPERTY(uint ColorMySecondKeyWord READ ColorMySecondKeyWord WRITE setColorMySecondKeyWord DESIGNABLE true)
+    Q_PROPERTY(uint ColorMyThirdKeyWord READ ColorMyThirdKeyWord WRITE setColorMyThirdKeyWord DESIGNABLE true)
+    Q_PROPERTY(QString MyFirstString READ MyFirstString WRITE setMyFirstString DESIGNABLE true)
+    Q_PROPERTY(QString MySecondString READ MySecondString WRITE setMySecondString DESIGNABLE true)
+    Q_PROPERTY(QString MyThirdString READ MyThirdString WRITE setMyThirdString DESIGNABLE true)
+    Q_PROPERTY(bool DetectHyperLinks READ DetectHyperLinks WRITE setDetectHyperLinks DESIGNABLE true)
+    Q_PROPERTY(bool AutoVMenu READ AutoVMenu WRITE setAutoVMenu DESIGNABLE true)
+    Q_PROPERTY(uint MyFontColor READ MyFontColor WRITE setMyFontColor DESIGNABLE true)
+    Q_PROPERTY(uint MyHLColor READ MyHLColor WRITE setMyHLColor DESIGNABLE true)
+    Q_PROPERTY(bool ShowVB6Syntax READ ShowVB6Syntax WRITE setShowVB6Syntax DESIGNABLE true)
+    Q_PROPERTY(bool UseCustomFontDialog READ UseCustomFontDialog WRITE setUseCustomFontDialog DESIGNABLE true)
+    Q_PROPERTY(int PrinterMargin READ PrinterMargin WRITE setPrinterMargin DESIGNABLE true)
+    Q_PROPERTY(QString WhatsThisHelpFile READ WhatsThisHelpFile WRITE setWhatsThisHelpFile DESIGNABLE true)
+    Q_PROPERTY(bool TurnOnSound READ TurnOnSound WRITE setTurnOnSound DESIGNABLE true)
+    Q_PROPERTY(int MyWrapStyle READ MyWrapStyle WRITE setMyWrapStyle DESIGNABLE true)
+    Q_PROPERTY(bool DisplayRuler READ DisplayRuler WRITE setDisplayRuler DESIGNABLE true)
+    Q_PROPERTY(bool AllowRTFSave READ AllowRTFSave WRITE setAllowRTFSave DESIGNABLE true)
+
+    // --- Run-time properties ------------------------------------------------------------------
+    Q_PROPERTY(qulonglong hwnd READ hwnd DESIGNABLE false STORED false)
+    Q_PROPERTY(QString SelText READ SelText WRITE setSelText DESIGNABLE false STORED false)
+    Q_PROPERTY(int SelLength READ SelLength WRITE setSelLength DESIGNABLE false STORED false)
+    Q_PROPERTY(int SelStart READ SelStart WRITE setSelStart DESIGNABLE false STORED false)
+    Q_PROPERTY(QString SelRTF READ SelRTF WRITE setSelRTF DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelBold READ SelBold WRITE setSelBold DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelItalic READ SelItalic WRITE setSelItalic DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelUnderline READ SelUnderline WRITE setSelUnderline DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelStrikeThru READ SelStrikeThru WRITE setSelStrikeThru DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelProtected READ SelProtected WRITE setSelProtected DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelColor READ SelColor WRITE setSelColor DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelFontName READ SelFontName WRITE setSelFontName DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelFontSize READ SelFontSize WRITE setSelFontSize DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelCharOffset READ SelCharOffset WRITE setSelCharOffset DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelBullet READ SelBullet WRITE setSelBullet DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelIndent READ SelIndent WRITE setSelIndent DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelHangingIndent READ SelHangingIndent WRITE setSelHangingIndent DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelRightIndent READ SelRightIndent WRITE setSelRightIndent DESIGNABLE false STORED false)
+    Q_PROPERTY(QVariant SelTabCount READ SelTabCount WRITE setSelTabCount DESIGNABLE false STORED false)
+
+public:
+    /// A control with the desktop's dialogs and services.
+    explicit KvRTB(QWidget *parent = nullptr);
+    /// A control using \a services (not owned; must outlive the control), e.g. recording ones.
+    explicit KvRTB(PlatformServices &services, QWidget *parent = nullptr);
+    ~KvRTB() override;
+
+    // --- Life cycle and hosting ---------------------------------------------------------------
+    /// First placement on a form: 1575 by 735 twips, every persisted property at its default and
+    /// the host's name for the control (`objectName()`, "KvRTB1" when empty) as the text.
+    Q_INVOKABLE void initProperties();
+    /// Restores the persisted properties from \a bag in table order. On failure the reason is
+    /// returned; what was read before it stays applied.
+    PropertyPassResult readProperties(PropertyBag &bag);
+    /// Saves the persisted properties into \a bag in table order, default values left out.
+    PropertyPassResult writeProperties(PropertyBag &bag) const;
+
+    /// The logic behind the control, for the areas and for tests.
+    ControlCore &core() { return *m_core; }
+    /// The visible editing surface and the hidden converter surface.
+    EditorSurface &RichTextBox1();
+    EditorSurface &RichTextBox2();
+    QProgressBar *ProgressBar1() const { return m_progressBar; }
+    /// The frame holding the editor; the layout sizes it and the editor together.
+    QWidget *RTBPicture() const { return m_rtbPicture; }
+    /// The ruler strip (shown while `DisplayRuler` is true); its pictures are children of it.
+    QWidget *MasterPic() const { return m_masterPic; }
+    /// Height in pixels of the ruler strip when shown.
+    static constexpr int kRulerStripHeight = 24;
+
+    // --- Persisted properties -------------------------------------------------------------
+    // Getters read the control or the editor; every setter applies the value, tells the host
+    // (`PropertyChanged`) under the key and, for the keys that the host's menus mirror, raises
+    // `UpdateParentMenu`, even when the value does not change.
+    bool AllowImages() const;
+    int Appearance() const;
+    uint BackColor() const;
+    int BorderStyle() const;
+    int BulletIndent() const;
+    bool Enabled() const;
+    QFont Font() const;
+    bool Locked() const;
+    int MaxLength() const;
+    QPixmap MouseIcon() const;
+    int MousePointer() const;
+    int RightMargin() const;
+    QString Text() const;
+    QString TextRTF() const;
+    bool RemoveUnUsableData() const;
+    uint ColorVBNetKeyWord() const;
+    uint ColorVB6KeyWord() const;
+    uint ColorVBNetComment() const;
+    uint ColorVB6Comment() const;
+    uint ColorVBNetString() const;
+    uint ColorVB6String() const;
+    uint ColorMyFirstKeyWord() const;
+    uint ColorMySecondKeyWord() const;
+    uint ColorMyThirdKeyWord() const;
+    QString MyFirstString() const;
+    QString MySecondString() const;
+    QString MyThirdString() const;
+    bool DetectHyperLinks() const;
+    bool AutoVMenu() const;
+    uint MyFontColor() const;
+    uint MyHLColor() const;
+    bool ShowVB6Syntax() const;
+    bool UseCustomFontDialog() const;
+    int PrinterMargin() const;
+    QString WhatsThisHelpFile() const;
+    bool TurnOnSound() const;
+    int MyWrapStyle() const;
+    bool DisplayRuler() const;
+    bool AllowRTFSave() const;
+
+    // --- Selection pass-through (null QVariant = mixed) -----------------------------------
+    QString SelText() const;
+    int SelLength() const;
+    int SelStart() const;
+    QString SelRTF() const;
+    QVariant SelBold() const;
+    QVariant SelItalic() const;
+    QVariant SelUnderline() const;
+    QVariant SelStrikeThru() const;
+    QVariant SelProtected() const;
+    QVariant SelColor() const;
+    QVariant SelFontName() const;
+    QVariant SelFontSize() const;
+    QVariant SelCharOffset() const;
+    QVariant SelBullet() const;
+    QVariant SelIndent() const;
+    QVariant SelHangingIndent() const;
+    QVariant SelRightIndent() const;
+    QVariant SelTabCount() const;
+    /// The position (twips) of tab stop \a e_ellmt (0-based) of the selection's paragraphs;
+    /// null when mixed or when there is no such stop.
+    Q_INVOKABLE QVariant SelTabs(int e_ellmt) const;
+
+    qulonglong hwnd() const;
+
+public slots:
+    void setAllowImages(bool value);
+    void setAppearance(int value);
+    void setBackColor(uint value);
+    void setBorderStyle(int value);
+    void setBulletIndent(int value);
+    /// `Enabled` of the editor (the QWidget's own `setEnabled` is left alone).
+    void setEditorEnabled(bool value);
+    /// `Font` of the editor (the QWidget's own `setFont` is left alone).
+    void setEditorFont(const QFont &value);
+    void setLocked(bool value);
+    void setMaxLength(int value);
+    void setMouseIcon(const QPixmap &value);
+    void setMousePointer(int value);
+    void setRightMargin(int value);
+    void setText(const QString &value);
+    /// Replaces the document with RTF; a text that cannot be read as RTF leaves it unchanged.
+    void setTextRTF(const QString &value);
+    void setRemoveUnUsableData(bool value);
+    void setColorVBNetKeyWord(uint value);
+    void setColorVB6KeyWord(uint value);
+    void setColorVBNetComment(uint value);
+    void setColorVB6Comment(uint value);
+    void setColorVBNetString(uint value);
+    void setColorVB6String(uint value);
+    void setColorMyFirstKeyWord(uint value);
+    void setColorMySecondKeyWord(uint value);
+    void setColorMyThirdKeyWord(uint value);
+    void setMyFirstString(const QString &value);
+    void setMySecondString(const QString &value);
+    void setMyThirdString(const QString &value);
+    void setDetectHyperLinks(bool value);
+    void setAutoVMenu(bool value);
+    void setMyFontColor(uint value);
+    void setMyHLColor(uint value);
+    void setShowVB6Syntax(bool value);
+    void setUseCustomFontDialog(bool value);
+    void setPrinterMargin(int value);
+    void setWhatsThisHelpFile(const QString &value);
+    void setTurnOnSound(bool value);
+    void setMyWrapStyle(int value);
+    /// Also re-runs the layout: the ruler strip is shown or hidden and the editor takes the rest.
+    void setDisplayRuler(bool value);
+    void setAllowRTFSave(bool value);
+
+    // Setting a selection attribute applies it to the selection (to what is typed next when
+    // nothing is selected); a null QVariant leaves the attribute as it is.
+    void setSelText(const QString &value);
+    void setSelLength(int value);
+    void setSelStart(int value);
+    void setSelRTF(const QString &value);
+    void setSelBold(const QVariant &value);
+    void setSelItalic(const QVariant &value);
+    void setSelUnderline(const QVariant &value);
+    void setSelStrikeThru(const QVariant &value);
+    void setSelProtected(const QVariant &value);
+    void setSelColor(const QVariant &value);
+    void setSelFontName(const QVariant &value);
+    void setSelFontSize(const QVariant &value);
+    void setSelCharOffset(const QVariant &value);
+    void setSelBullet(const QVariant &value);
+    void setSelIndent(const QVariant &value);
+    void setSelHangingIndent(const QVariant &value);
+    void setSelRightIndent(const QVariant &value);
+    /// Keeps the first \a value stops; new ones follow the last at half-inch (720 twips) steps.
+    void setSelTabCount(const QVariant &value);
+    /// Moves tab stop \a e_ellmt (0-based, must exist) to \a value twips.
+    void setSelTabs(int e_ellmt, int value);
+
+    // --- Control shell ----------------------------------------------------------------------
+    /// Repaints the control and the editor.
+    void Refresh();
+    /// Gives the keyboard focus to the editor.
+    void SetInFocus();
+    /// The tool-tip shown over the editor.
+    void ToolTipTxt(const QString &NewTip);
+    /// True freezes the editor's display, False thaws it (through `LockWindowUpdateEx`).
+    QVariant FreezeRichText(const bool &FreezeRTB);
+    /// True freezes the editor's display, False thaws one freeze; painting resumes when the
+    /// freezes are all thawed. Bulk passes bracket their work with it.
+    void LockWindowUpdateEx(const bool &MyLockBool);
+    /// One-time preparation of the control's scratch state and dictionaries.
+    void PrepareKvRTB();
+    QString GetRTFString() const;
+    QString GetTextString() const;
+    /// True when \a AnyArray is an array with an upper bound: a list (QVariantList, QStringList
+    /// or any sequential container) with at least one element. Empty lists, strings, scalars
+    /// and null give false.
+    bool IsArrayGood(const QVariant &AnyArray) const;
+    /// The completion percentage of the running long operation (0 when none runs).
+    short ProgressPercentage() const;
+    /// Asks the running long operation to stop at its next check (sets the per-thread flag
+    /// that every control on this thread shares; the next long operation clears it).
+    void KillSwitch();
+    /// Turns wrapping off (\a Wrap false) or on: at the ruler's width (the right margin, or
+    /// the window when there is none) when \a RulerWrap is true, else at the window's width.
+    /// `MyWrapStyle` follows.
+    void Word_Wrap(const bool &Wrap, const bool *RulerWrap = nullptr);
+
+    // --- Change tracking --------------------------------------------------------------------
+    /// True when the document changed since it was loaded, saved or last marked.
+    bool HasRTBChanged() const;
+    /// Marks the document changed or unchanged (unchanged when the argument is omitted).
+    void SetRTBChanged(const bool *BoolValQ = nullptr);
+
+    // --- Documents --------------------------------------------------------------------------
+    void LoadFile(const QString &bstrFilename, kvrtb::QFileType vFileType = rtfRTF, bool *TXTLinks = nullptr,
+                  bool *OpenSuccess = nullptr);
+    QVariant LoadFileRTBOriginal(const QString &bstrFilename, kvrtb::QFileType vFileType = rtfRTF);
+    bool SaveFile(const QString &bstrFilename, kvrtb::QFileType vFlags = rtfRTF);
+    QString CommonDialogFileOpen(QString *DefaultDirectory = nullptr, QString *CustomFilter = nullptr,
+                                 bool *TextWLinks = nullptr, short *ShowFilterIndex = nullptr,
+                                 short *FindexRet = nullptr, short *MyErr = nullptr, bool *OpenSuccess = nullptr,
+                                 QString *Title = nullptr);
+    QString CommonDialogFileSave(QString *DefaultDirectory = nullptr, QString *FileNameSTR = nullptr,
+                                 bool *PromptOverWrite = nullptr, QString *CustomFilter = nullptr,
+                                 short *ShowFilterIndex = nullptr, short *FindexRet = nullptr,
+                                 short *MyErr = nullptr, QString *Title = nullptr, bool *SaveSuccess = nullptr);
+
+    // --- Encrypted documents ----------------------------------------------------------------
+    void OpenDecryptedFile(QString &MyFileName, short &MyIndex, bool *TextWLinks = nullptr,
+                           bool *OpenSuccess = nullptr, short *MyErr = nullptr);
+    bool IsFileEncrypted(QString &FileNameSTR);
+
+    // --- Lines, selection and case ----------------------------------------------------------
+    void SelectLine();
+    QString GetLineText(int *LineStart = nullptr, int *LineLength = nullptr);
+    QString GetPrevLineText();
+    QString GetAnyLineText(int MyLineNum);
+    int GetPosOfFirstCharInLine(int MyLine = -1);
+    int GetPosOfFirstCharInPrevLine();
+    int FirstVisibleLine();
+    int LastVisibleLine();
+    int TotalLineCount();
+    int CurrentLine();
+    void GoToLine(int LineNumQ, bool SelectLineQ = false);
+    int GetLineFromChar(int lChar);
+    void SelectAllText();
+    int TopLineSelStart();
+    int TovrinLine();
+    int TovrinColumn();
+    int TovrinChar();
+    void TovrinUpperCase();
+    void TovrinLowerCase();
+    void TovrinSentenceCase();
+    void TovrinToggleCase();
+    void TovrinTitleCase();
+    void Span(const QString &bstrCharacterSet, bool vForward = true, bool vNegate = false);
+    void UpTo(const QString &bstrCharacterSet, bool vForward = true, bool vNegate = false);
+
+    // --- Formatting and edit commands -------------------------------------------------------
+    void AlignCenter(bool &MyBool);
+    void AlignRight(bool &MyBool);
+    void AlignLeft(bool &MyBool);
+    QVariant GetAlignment();
+    void LineSpacing(kvrtb::LineSpc LineMethod, int exactORmultiple = 0);
+    void ScriptStyle(kvrtb::ScripTT ScriptMethod);
+    void ListStyle(kvrtb::ListNN ListMethod);
+    bool SelListMethod(kvrtb::ListNN ListMethod);
+    int ReadOnly(bool ApplyReadOnly);
+    void HighLightText(uint HighLightColor);
+    bool IsTextHighLighted(uint HighLightColor);
+    void UnHighLightText(kvrtb::Unhighlight_Behavior All_or_Selected_Text = Unhighlight_All_Text);
+    bool CanHighlight();
+    bool ContainSpecialFormatting();
+    bool CanChangeCase();
+    bool CanClear();
+    bool CanCopy();
+    bool CanCut();
+    bool CanDelete();
+    bool CanPaste();
+    bool CanSelectAll();
+    bool CanUndo();
+    bool GetCanUndoSpecial();
+    void Delete();
+    void Copy();
+    void Paste();
+    void Cut();
+    void Undo();
+    void HyperUndo();
+    void EmptyRTBUndoRedoBuffer();
+    void SaveSpecialUndoData();
+    void SaveRegularUndoData();
+    void SaveDeleteUndoData();
+    void SaveInLinkUndoData();
+
+    // --- Hyperlinks -------------------------------------------------------------------------
+    void HyperLinkDocument();
+    void UnHyperLinkDocument();
+    bool DetectEmailZone(int MyHitSpot, QString &ReturnMyEAddress);
+    bool DetectURLZone(int MyHitSpot, QString &ReturnMyURL);
+    void HyperLinkSelected(int RTBSelStart, int RTBSelectedLength);
+    void GoToWebsite(const QString &MyWebSite, QString *MyErrorData = nullptr);
+    void GoToEmailClient(const QString &MyEmail, QString *MyErrorData = nullptr);
+
+    // --- Keyword colouring ------------------------------------------------------------------
+    QVariant ApplyVB6Syntax(kvrtb::Syntax_Behavior Syntax_Method = Syntax_All_Text,
+                            kvrtb::Formatting_Options Syntax_Formatting = Retain_All_Formatting);
+    QVariant ApplyVBNetSyntax(kvrtb::Syntax_Behavior Syntax_Method = Syntax_All_Text,
+                              kvrtb::Formatting_Options Syntax_Formatting = Retain_All_Formatting);
+    QVariant ApplyMySyntax(kvrtb::Syntax_Behavior Syntax_Method = Syntax_All_Text,
+                           kvrtb::Formatting_Options Syntax_Formatting = Retain_All_Formatting);
+    void Cancel_Syntax();
+    bool CanCancelSyntax();
+
+    // --- Spelling ---------------------------------------------------------------------------
+    bool CanGetSpelling();
+    bool DetectMisspellings(QStringList &MyReturnArray);
+    bool DetectNotWords(int MyHitSpot);
+    void GetPossibleSpellingCorrections(kvrtb::SPELL_CHECK_TYPE &SCData);
+    int SpellCheck(QStringList &ReturnArray);
+    void PrepNonSpellCheckRTB(const QStringList &PassInArray);
+    int GoToNextSpellError();
+    int GoToPreviousSpellError();
+    int FixSpelling(const QString &CorrectSpelling, bool HighlightFixes = false, uint HighLightColor = 0xFFFF);
+    void FixSpelling2(const QString &CorrectSpelling);
+    int UndoSpellCorrection();
+    void ShowSpellCheck();
+
+    // --- Thesaurus and word lists -----------------------------------------------------------
+    bool GetWordsThatStartWith(QString &MyStartingLetters, QStringList &MyReturnArray, int ReturnLimit = 0);
+    QString GetSynonyms(const QString &MYWORD1, QStringList &ASynArray);
+    bool CanGetSynonym();
+    QString GetRandomWord();
+    void ShowRandomWord();
+
+    // --- Ruler ------------------------------------------------------------------------------
+    void DrawRuler();
+    void ClearRuler();
+    void SetRulerTabs();
+    void ShadeRuler();
+
+    // --- Printing ---------------------------------------------------------------------------
+    int CommonDialogPrint(short *MyErr = nullptr);
+    void SelPrint(const QVariant &vStartDoc = QVariant());
+    bool PrinterInstalled();
+    void ShowPrintPreview();
+
+    // --- Find and replace -------------------------------------------------------------------
+    int Find2(const QString &TextToFind, kvrtb::FindDirectionQ FindDirection = FindNext,
+              kvrtb::FindOptionsQ FindOptions = AllMatches, bool SkipURLEmail = false);
+    bool FindVerify(const QString &FVTextToFind, kvrtb::FindOptionsQ FVFindOptions = AllMatches);
+    void ShowFindReplace();
+    void ExitFindRep();
+
+    // --- Font and colour selection ----------------------------------------------------------
+    void CommonDialogFontSelect(short *MyErr = nullptr);
+    void ShowFontSelect();
+    void SetDefaultFontMode();
+    void EndDefaultFontMode();
+    kvrtb::DEFUALT_FONT_DATA GetDefaultFontData();
+    void ShareDefaultFontData(const kvrtb::DEFUALT_FONT_DATA &MyDefFontData);
+    uint CommonDialogColor(bool &UserCancelQ, bool UseOrigONCancel = false, uint MyOrgigColor = 0,
+                           short *MyErr = nullptr);
+    uint CommonDialogFontColor(const QVariant &MyOrgigColor = QVariant(), short *MyErr = nullptr);
+    uint CommonDialogSelFontColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
+    uint CommonDialogSelColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
+
+    // --- Word count, help and sound ---------------------------------------------------------
+    void ShowWordCount();
+    void PointToWhatsThisHelpFile();
+    QString GetHelpFile(bool NoColonFilePath = false);
+
+signals:
+    void Click();
+    void DblClick();
+    void SelChange();
+    void Change();
+    void KeyDown(short &KeyCode, short &Shift);
+    void KeyPress(short &KeyAscii);
+    void KeyUp(short &KeyCode, short &Shift);
+    /// Coordinates are twips from the editor's top-left corner.
+    void MouseDown(short &Button, short &Shift, float &X, float &Y);
+    void MouseMove(short &Button, short &Shift, float &X, float &Y);
+    void MouseUp(short &Button, short &Shift, float &X, float &Y);
+    void Begin();
+    void Finish();
+    void Ready();
+    void UpdateParentMenu();
+    void MenuFontColorClick();
+    void MenuHLColorClick();
+    void MenuVBSyntaxClickStart();
+    void MenuVBSyntaxClickEnd();
+    /// A persisted property was set, under its key (the host marks its form dirty).
+    void PropertyChanged(const QString &PropertyName);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    class EditorEvents;
+
+    void initialise(PlatformServices &services);
+    /// Sizes the ruler strip, the editor's frame and the progress bar to the control.
+    void layoutChildren();
+    PropertyTarget propertyTarget() const;
+    QVariant propertyValue(const char *key) const;
+    /// Applies a persisted property and tells the host (and its menus, for the keys they mirror).
+    void setPropertyValue(const char *key, const QVariant &value);
+    /// Prints, once per member, that \a member belongs to an area not in this build.
+    void reportNotAvailable(const char *member) const;
+
+    // ControlEvents: the areas raise the control's events through these.
+    void click() override;
+    void dblClick() override;
+    void selChange() override;
+    void change() override;
+    void keyDown(short &keyCode, short &shift) override;
+    void keyPress(short &keyAscii) override;
+    void keyUp(short &keyCode, short &shift) override;
+    void mouseDown(short &button, short &shift, float &x, float &y) override;
+    void mouseMove(short &button, short &shift, float &x, float &y) override;
+    void mouseUp(short &button, short &shift, float &x, float &y) override;
+    void begin() override;
+    void finish() override;
+    void ready() override;
+    void updateParentMenu() override;
+    void menuFontColorClick() override;
+    void menuHLColorClick() override;
+    void menuVBSyntaxClickStart() override;
+    void menuVBSyntaxClickEnd() override;
+    void progressChanged(int percent) override;
+    void propertyChanged(const QString &key) override;
+
+    std::unique_ptr<PlatformServices> m_ownServices;
+    QWidget *m_masterPic = nullptr;     // the ruler strip
+    QWidget *m_rtbPicture = nullptr;    // the editor's frame
+    QWidget *m_picture1 = nullptr;      // auxiliary drawing surface
+    QProgressBar *m_progressBar = nullptr;
+    std::unique_ptr<ControlCore> m_core;
+    std::unique_ptr<EditorEvents> m_editorEvents;
+    mutable EditorSettings m_editorSettings;
+    // Scratch space of word and pattern passes (hidden list and text boxes of the interface).
+    QStringList m_list1;
+    QString m_regexTxt;
+    QString m_regexTxt2;
+    QString m_regexTxt3;
+};
+
+} // namespace kvrtb

@@ -204,6 +204,16 @@ void TestControl::emptyBagGivesTheDefaults()
     QVERIFY(!control.RichTextBox1().isReadOnly());
     QVERIFY(control.RichTextBox1().isEnabled());
     QCOMPARE(control.RichTextBox1().maxLength(), 0);
+
+    // A disabled window around the control does not make its Enabled setting false.
+    QWidget window;
+    control.setParent(&window);
+    window.setEnabled(false);
+    QVERIFY(control.Enabled());
+    MemoryPropertyBag written;
+    QVERIFY(control.writeProperties(written).ok);
+    QVERIFY(!written.contains(QStringLiteral("Enabled")));
+    control.setParent(nullptr);
 }
 
 void TestControl::storedRtfReplacesStoredText()

@@ -5,6 +5,7 @@
 #include <QAbstractScrollArea>
 #include <QCursor>
 #include <QImage>
+#include <QWidget>
 
 #include <limits>
 
@@ -71,7 +72,12 @@ QList<PropertySpec> buildTable()
              return true;
          }},
         {"Enabled", T::Boolean, QVariant(true), editor, false,
-         [](const PropertyTarget &t) { return QVariant(t.surface.isEnabled()); },
+         [](const PropertyTarget &t) {
+             // The editor's own setting, not whether a disabled window around it greys it.
+             const QWidget *editor = t.surface.widget();
+             const QWidget *parent = editor ? editor->parentWidget() : nullptr;
+             return QVariant(parent ? editor->isEnabledTo(parent) : t.surface.isEnabled());
+         },
          [](PropertyTarget &t, const QVariant &v, QString *) {
              t.surface.setEnabled(v.toBool());
              return true;

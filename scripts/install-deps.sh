@@ -8,6 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libgl-dev
   fonts-liberation2
   clang libclang-rt-14-dev
+  libreoffice-writer-nogui
 )
 
 missing=()

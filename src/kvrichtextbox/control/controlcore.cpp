@@ -1,6 +1,10 @@
 #include "control/controlcore.h"
 
 #include "control/threadstate.h"
+#include "editing/editcommands.h"
+#include "editing/linesandcase.h"
+#include "editing/specialundo.h"
+#include "hyperlinks/hyperlinks.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -16,6 +20,10 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
       m_converter(createEditorSurface(nullptr))
 {
     m_converter->widget()->hide();
+    m_linesAndCase = std::make_unique<LinesAndCase>(*this);
+    m_specialUndo = std::make_unique<SpecialUndo>(*this);
+    m_editCommands = std::make_unique<EditCommands>(*this);
+    m_hyperlinks = std::make_unique<Hyperlinks>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -11,6 +11,11 @@ class QWidget;
 
 namespace kvrtb {
 
+class EditCommands;
+class Hyperlinks;
+class LinesAndCase;
+class SpecialUndo;
+
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
 ///
@@ -42,6 +47,15 @@ public:
     /// Freezes (true) or thaws (false) the editor's display, unless a paste holds the lock.
     void lockWindowUpdate(bool lock);
 
+    /// Lines, caret and case queries and commands.
+    LinesAndCase &linesAndCase() { return *m_linesAndCase; }
+    /// The control's own undo: the per-thread snapshot and the surface's one-step undo.
+    SpecialUndo &specialUndo() { return *m_specialUndo; }
+    /// Alignment, highlight, spacing, lists, script, wrap, clipboard and the Can... queries.
+    EditCommands &editCommands() { return *m_editCommands; }
+    /// Address detection and link marking.
+    Hyperlinks &hyperlinks() { return *m_hyperlinks; }
+
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
     /// Sets the percentage (clamped to 0..100) and tells the events sink.
@@ -59,6 +73,10 @@ private:
     ControlProperties m_properties;
     std::unique_ptr<EditorSurface> m_surface;
     std::unique_ptr<EditorSurface> m_converter;
+    std::unique_ptr<LinesAndCase> m_linesAndCase;
+    std::unique_ptr<SpecialUndo> m_specialUndo;
+    std::unique_ptr<EditCommands> m_editCommands;
+    std::unique_ptr<Hyperlinks> m_hyperlinks;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

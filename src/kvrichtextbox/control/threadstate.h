@@ -27,6 +27,7 @@ struct ThreadState {
     int savedTopPosition = 0;          ///< first character of the first visible line, saved
     int lastUndoKind = 0;              ///< `UndoTypePE` of the last pass, 0 for neither
     bool replacePositionRestored = false; ///< the replace pass already scrolled back
+    int replaceTopPosition = 0;        ///< first character of the top line the replace pass remembered
     SpecialUndoSlot specialUndo;
     QString scratch;                   ///< the shared scratch string
 };

@@ -1,0 +1,202 @@
+#include "editing/specialundo.h"
+
+#include "control/controlcore.h"
+#include "control/kvrtbtypes.h"
+#include "control/threadstate.h"
+#include "editing/displayfreeze.h"
+#include "hyperlinks/hyperlinks.h"
+
+#include <QStringList>
+
+namespace kvrtb {
+
+namespace {
+
+/// Marks the RTF lines a snapshot drops; no RTF text holds it (the writer escapes such bytes).
+const QString kSentinel = QString(6, QChar(0x00F8));
+
+/// Only spaces are trimmed, as the snapshot's writer and reader expect; other white space is
+/// part of the RTF.
+QString trimSpaces(const QString &text)
+{
+    int from = 0;
+    int to = int(text.size());
+    while (from < to && text.at(from) == QLatin1Char(' '))
+        ++from;
+    while (to > from && text.at(to - 1) == QLatin1Char(' '))
+        --to;
+    return text.mid(from, to - from);
+}
+
+} // namespace
+
+SpecialUndo::SpecialUndo(ControlCore &core)
+    : m_core(core)
+{
+}
+
+QString SpecialUndo::CaptureUndoSnapshot(const EditorSurface &surface)
+{
+    const QString plain = surface.text();
+    const QString rtf = surface.rtf();
+    if (plain.isEmpty())
+        return rtf;
+
+    QStringList rtfLines = rtf.split(QLatin1Char('\n'));
+    const QStringList plainLines = plain.split(QLatin1Char('\n'));
+    const QString breakLine = QStringLiteral("\r\\par ");
+    int cursor = 0;
+    bool inBody = false;
+    bool dropped = false;
+    for (QString &line : rtfLines) {
+        if (!inBody)
+            inBody = line.contains(QLatin1String("\\pard\\"));
+        if (!inBody)
+            continue;
+        if (line == breakLine) {
+            const QString under = cursor >= 0 && cursor < plainLines.size() ? plainLines.at(cursor) : QString();
+            if (!under.isEmpty() && under != QLatin1String("\r")) {
+                line = kSentinel;
+                dropped = true;
+                --cursor;
+            }
+        }
+        ++cursor;
+    }
+    if (!dropped)
+        return rtf;
+    QStringList kept;
+    kept.reserve(rtfLines.size());
+    for (const QString &line : std::as_const(rtfLines)) {
+        if (!line.contains(kSentinel))
+            kept.append(line);
+    }
+    return kept.join(QLatin1Char('\n'));
+}
+
+QString SpecialUndo::StripLineBreaks(const QString &text)
+{
+    QString result = trimSpaces(text);
+    result.remove(QStringLiteral("\r\n"));
+    return result;
+}
+
+void SpecialUndo::storeInSlot()
+{
+    EditorSurface &surface = m_core.surface();
+    SpecialUndoSlot &slot = threadState().specialUndo;
+    slot.selLength = surface.selLength();
+    slot.selStart = surface.selStart();
+    slot.text = CaptureUndoSnapshot(surface);
+}
+
+void SpecialUndo::SaveSpecialUndoData()
+{
+    m_core.hyperlinks().SaveTopPosition();
+    storeInSlot();
+    threadState().specialUndo.available = true;
+}
+
+void SpecialUndo::SaveRegularUndoData()
+{
+    if (m_undoRunState >= 1)
+        return;
+    m_core.hyperlinks().SaveTopPosition();
+    Undo();
+    storeInSlot();
+    Undo(); // the second step of the toggling undo redoes the edit
+    threadState().specialUndo.available = true;
+}
+
+void SpecialUndo::SaveDeleteUndoData()
+{
+    if (m_undoRunState == 1) {
+        m_core.hyperlinks().EmptyEditorUndoBuffer();
+        return;
+    }
+    Undo();
+    m_core.hyperlinks().SaveTopPosition();
+    storeInSlot();
+    Undo();
+    m_core.hyperlinks().EmptyEditorUndoBuffer();
+    threadState().specialUndo.available = true;
+}
+
+void SpecialUndo::SaveInLinkUndoData()
+{
+    if (m_undoRunState >= 1)
+        return;
+    SaveSpecialUndoData();
+}
+
+bool SpecialUndo::GetCanUndoSpecial() const
+{
+    return threadState().specialUndo.available;
+}
+
+bool SpecialUndo::CanUndo() const
+{
+    return m_core.surface().canUndo() && !threadState().colouringBusy;
+}
+
+void SpecialUndo::Undo()
+{
+    m_core.events().begin();
+    EditorSurface &surface = m_core.surface();
+    if (!surface.canUndo())
+        return;
+    surface.undo();
+    m_core.events().finish();
+    m_core.events().ready();
+    m_undoRunState = 0;
+}
+
+void SpecialUndo::HyperUndo()
+{
+    EditorSurface &surface = m_core.surface();
+    ThreadState &state = threadState();
+    BusyGuard busy(m_core.services());
+    state.rewriteInProgress = true;
+    m_undoRunState = 0;
+    m_core.events().begin();
+    {
+        DisplayFreeze freeze(m_core);
+        const QString currentText = CaptureUndoSnapshot(surface);
+        const int currentStart = surface.selStart();
+        const int currentLength = surface.selLength();
+
+        if (surface.setRtf(trimSpaces(state.specialUndo.text))) {
+            if (m_core.properties().DetectHyperLinks) {
+                state.rewriteInProgress = false;
+                // The linking pass remembers its own top position; the snapshot's is the one
+                // to go back to.
+                const int snapshotTop = state.savedTopPosition;
+                m_core.hyperlinks().HyperLinkDocument();
+                state.savedTopPosition = snapshotTop;
+            }
+            surface.setSelStart(state.specialUndo.selStart);
+            surface.setSelLength(state.specialUndo.selLength);
+            freeze.release();
+
+            if (state.lastUndoKind == HyperLinkUD)
+                m_core.hyperlinks().RestoreTopPosition();
+            else if (state.lastUndoKind == ReplaceTextUD)
+                m_core.hyperlinks().RestoreTopPositionTo(state.replacePositionRestored ? state.savedTopPosition
+                                                                                        : state.replaceTopPosition);
+
+            state.specialUndo.text = currentText;
+            state.specialUndo.selLength = currentLength;
+            state.specialUndo.selStart = currentStart;
+        }
+    }
+    m_core.events().finish();
+    m_core.events().ready();
+    m_core.hyperlinks().EmptyEditorUndoBuffer();
+}
+
+void SpecialUndo::EmptyRTBUndoRedoBuffer()
+{
+    m_core.surface().emptyUndoBuffer();
+}
+
+} // namespace kvrtb

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QString>
+
+namespace kvrtb {
+
+class ControlCore;
+class EditorSurface;
+
+/// \brief The control's own undo: a one-slot snapshot of the whole document, on top of the
+/// surface's single toggling undo step.
+///
+/// The slot (normalised RTF, selection start and length, the "available" flag) lives in the
+/// per-thread state and is shared by every control on the thread: a capture by one control
+/// replaces the snapshot for all. `HyperUndo` swaps the document with the slot, so calling it
+/// twice returns everything as it was.
+///
+/// The undo-run state belongs to each control: 0 no snapshot taken for the current run of
+/// typing, 1 one taken, 2 a run that began with a deletion. The key handling sets it;
+/// `Undo` and `HyperUndo` reset it to 0.
+class SpecialUndo {
+public:
+    explicit SpecialUndo(ControlCore &core);
+
+    /// Captures the current state. Used before whole-document rewrites and destructive edits.
+    void SaveSpecialUndoData();
+    /// With the undo-run state at 0: captures the state before the user's last edit (undo,
+    /// capture, redo), keeping that edit.
+    void SaveRegularUndoData();
+    /// With the undo-run state other than 1: like `SaveRegularUndoData` but with the top
+    /// position taken after the first undo, and the surface's undo emptied afterwards. At 1 it
+    /// only empties the surface's undo.
+    void SaveDeleteUndoData();
+    /// With the undo-run state at 0: captures the current state, no undo round trip.
+    void SaveInLinkUndoData();
+
+    /// True once any capture has been made on this thread.
+    bool GetCanUndoSpecial() const;
+    /// True when the surface can undo and no keyword-colouring pass runs.
+    bool CanUndo() const;
+    /// Raises `Begin`; when the surface can undo, undoes (or redoes) its one step and raises
+    /// `Finish` and `Ready`.
+    void Undo();
+    /// Swaps the document, selection and scroll position with the snapshot. When the snapshot
+    /// cannot be read back, the document and the slot stay as they are.
+    void HyperUndo();
+    /// Empties the surface's own undo buffer (the snapshot stays).
+    void EmptyRTBUndoRedoBuffer();
+
+    int undoRunState() const { return m_undoRunState; }
+    void setUndoRunState(int state) { m_undoRunState = state; }
+
+    /// The document's RTF, normalised so that a snapshot written back and taken again does not
+    /// grow by an empty paragraph per line: from the first "\pard\" line on, a line that is a
+    /// carriage return and "\par " opposite a non-empty plain line is dropped.
+    static QString CaptureUndoSnapshot(const EditorSurface &surface);
+    /// Trims leading and trailing spaces and removes every CR LF pair.
+    static QString StripLineBreaks(const QString &text);
+
+private:
+    /// Stores selection and snapshot in the slot (the available flag is set by the callers).
+    void storeInSlot();
+
+    ControlCore &m_core;
+    int m_undoRunState = 0;
+};
+
+} // namespace kvrtb

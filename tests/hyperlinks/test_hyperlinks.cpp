@@ -1,0 +1,366 @@
+// Address patterns, link marking, hit tests and the linking pass while typing, on the real
+// surface under the offscreen platform.
+
+#include "control/controlcore.h"
+#include "control/controlevents.h"
+#include "control/recordingplatformservices.h"
+#include "control/threadstate.h"
+#include "editing/specialundo.h"
+#include "hyperlinks/addresspatterns.h"
+#include "hyperlinks/hyperlinks.h"
+
+#include <QtTest>
+#include <QWidget>
+
+using namespace kvrtb;
+
+namespace {
+
+class RecordingEvents : public ControlEvents {
+public:
+    QStringList names;
+    void begin() override { names << QStringLiteral("Begin"); }
+    void finish() override { names << QStringLiteral("Finish"); }
+    void ready() override { names << QStringLiteral("Ready"); }
+    void updateParentMenu() override { names << QStringLiteral("UpdateParentMenu"); }
+    void propertyChanged(const QString &key) override { names << QStringLiteral("Changed:") + key; }
+};
+
+struct Control {
+    RecordingPlatformServices services;
+    RecordingEvents events;
+    ControlCore core{nullptr, services, events};
+    EditorSurface &surface() { return core.surface(); }
+    Hyperlinks &links() { return core.hyperlinks(); }
+};
+
+/// The linked ranges of the document as "start+length" items: runs of characters that carry
+/// both the link effect and the marker.
+QStringList linkedRuns(EditorSurface &surface)
+{
+    QStringList runs;
+    int runStart = -1;
+    const int length = surface.textLength();
+    for (int p = 0; p <= length; ++p) {
+        bool linked = false;
+        if (p < length && surface.textRange(p, 1) != QStringLiteral("\n")) {
+            const CharFormat f = surface.rangeCharFormat(p, 1);
+            linked = f.hasLinkMarker() && f.linkEffect.value_or(false);
+        }
+        if (linked && runStart < 0)
+            runStart = p;
+        if (!linked && runStart >= 0) {
+            runs << surface.textRange(runStart, p - runStart);
+            runStart = -1;
+        }
+    }
+    return runs;
+}
+
+QStringList matchTexts(const QRegularExpression &pattern, const QString &text)
+{
+    QStringList texts;
+    for (const AddressMatch &m : AddressPatterns::matches(pattern, text)) {
+        if (text.mid(m.start, m.length) != m.text)
+            return {QStringLiteral("offset mismatch")};
+        texts << m.text;
+    }
+    return texts;
+}
+
+} // namespace
+
+class TestHyperlinks : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        threadState() = ThreadState();
+    }
+
+    void linkPattern_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("www plus two") << "go to www.ab now" << QStringList();
+        QTest::newRow("www plus three") << "go to www.abc now" << QStringList{"www.abc"};
+        QTest::newRow("www any case") << "WwW.Example.COM" << QStringList{"WwW.Example.COM"};
+        QTest::newRow("top part of one letter") << "me@host.c" << QStringList();
+        QTest::newRow("top part of two letters") << "me@host.co" << QStringList{"me@host.co"};
+        QTest::newRow("top part of four letters") << "me@host.info" << QStringList{"me@host.info"};
+        QTest::newRow("top part of five letters") << "me@host.abcde" << QStringList();
+        QTest::newRow("scheme without slashes") << "http:example.com" << QStringList();
+        QTest::newRow("scheme with one slash") << "ftp:/example.com" << QStringList();
+        QTest::newRow("scheme with two body chars") << "http://ab" << QStringList();
+        QTest::newRow("scheme with three body chars") << "http://abc" << QStringList{"http://abc"};
+        QTest::newRow("scheme with backslashes") << R"(file:\\server\share)" << QStringList{R"(file:\\server\share)"};
+        QTest::newRow("ms-help scheme") << "ms-help://topic" << QStringList{"ms-help://topic"};
+        QTest::newRow("range plus to equals") << "http://a.com/x,y<z>w" << QStringList{"http://a.com/x,y<z"};
+        QTest::newRow("e-mail first, text order")
+            << "mail me@host.org or see https://kvrtb.org/a?b=1 and www.x.com"
+            << QStringList{"me@host.org", "https://kvrtb.org/a?b=1", "www.x.com"};
+        QTest::newRow("non-ASCII letters end the body") << "www.abc\u00E9def" << QStringList{"www.abc"};
+    }
+
+    void linkPattern()
+    {
+        QFETCH(QString, text);
+        QFETCH(QStringList, expected);
+        QCOMPARE(matchTexts(AddressPatterns::link(), text), expected);
+        // The link pattern is the two others together: each of its matches is one of theirs.
+        QStringList separate = matchTexts(AddressPatterns::email(), text) + matchTexts(AddressPatterns::url(), text);
+        for (const QString &m : expected)
+            QVERIFY2(separate.contains(m), qPrintable(m));
+    }
+
+    void quickRejection()
+    {
+        QVERIFY(AddressPatterns::quickReject(QStringLiteral("plain words only")));
+        QVERIFY(!AddressPatterns::quickReject(QStringLiteral("a@b")));
+        QVERIFY(!AddressPatterns::quickReject(QStringLiteral("time: 10")));
+        QVERIFY(!AddressPatterns::quickReject(QStringLiteral("WwW")));
+        // A huge text made of address characters with no address ends, with no match.
+        const QString hostile = QStringLiteral("www.") + QString(300000, QLatin1Char('.'));
+        QCOMPARE(matchTexts(AddressPatterns::link(), QStringLiteral("x ") + hostile.left(5)).size(), 0);
+        QCOMPARE(matchTexts(AddressPatterns::link(), hostile).size(), 1);
+    }
+
+    void hyperLinkDocumentMarksEveryMatch()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("Write to me@host.org\nor see www.kvrtb.org today, not www.ab\nhttp://x.io/p"));
+        c.surface().setSelection(3, 4);
+        c.links().HyperLinkDocument();
+        QCOMPARE(linkedRuns(c.surface()), (QStringList{"me@host.org", "www.kvrtb.org", "http://x.io/p"}));
+        QCOMPARE(c.events.names, (QStringList{"Begin", "Finish", "Ready"}));
+        // The caret is back where it was, nothing selected; the surface's undo holds nothing.
+        QCOMPARE(c.surface().selStart(), 3);
+        QCOMPARE(c.surface().selLength(), 0);
+        QVERIFY(!c.surface().canUndo());
+        QCOMPARE(c.surface().freezeCount(), 0);
+        QCOMPARE(c.services.busyDepth, 0);
+        QVERIFY(c.services.maxBusyDepth > 0);
+        QCOMPARE(threadState().lastUndoKind, 1);
+        QVERIFY(!threadState().linkingInProgress);
+        // The link keeps the address it points at.
+        QCOMPARE(c.surface().rangeCharFormat(9, 3).linkAddress.value_or(QString()), QStringLiteral("mailto:me@host.org"));
+        QCOMPARE(c.surface().rangeCharFormat(29, 3).linkAddress.value_or(QString()), QStringLiteral("http://www.kvrtb.org"));
+        QCOMPARE(c.surface().rangeCharFormat(61, 3).linkAddress.value_or(QString()), QStringLiteral("http://x.io/p"));
+        // The user's underline is untouched by the link effect.
+        QCOMPARE(c.surface().rangeCharFormat(9, 3).underline.value_or(true), false);
+    }
+
+    void hyperLinkDocumentQuickRejection()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("nothing to link here"));
+        c.links().HyperLinkDocument();
+        QCOMPARE(c.events.names, QStringList{"Begin"});
+        QVERIFY(!c.surface().rangeCharFormat(0, -1).hasLinkMarker());
+        QCOMPARE(c.services.busyDepth, 0);
+
+        // A colon lets the pass run; no match still ends with Finish and Ready.
+        c.events.names.clear();
+        c.surface().setText(QStringLiteral("time: 10 o'clock"));
+        c.links().HyperLinkDocument();
+        QCOMPARE(c.events.names, (QStringList{"Begin", "Finish", "Ready"}));
+        QCOMPARE(linkedRuns(c.surface()), QStringList());
+    }
+
+    void passesStandAside()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("see www.kvrtb.org"));
+        // A pass already running: the second only reports its end.
+        threadState().linkingInProgress = true;
+        c.links().HyperLinkDocument();
+        QCOMPARE(c.events.names, (QStringList{"Begin", "Finish", "Ready"}));
+        QCOMPARE(linkedRuns(c.surface()), QStringList());
+        threadState().linkingInProgress = false;
+        // The undo rewriting the document stops the marking loop.
+        threadState().rewriteInProgress = true;
+        c.links().HyperLinkDocument();
+        QCOMPARE(linkedRuns(c.surface()), QStringList());
+        threadState().rewriteInProgress = false;
+        c.links().HyperLinkDocument();
+        QCOMPARE(linkedRuns(c.surface()), QStringList{"www.kvrtb.org"});
+    }
+
+    void unHyperLinkDocument()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("see www.kvrtb.org and me@host.org"));
+        c.links().HyperLinkDocument();
+        c.surface().setSelection(2, 3);
+        // While automatic detection is on, unlinking would only be undone again: nothing changes.
+        c.links().UnHyperLinkDocument();
+        QCOMPARE(linkedRuns(c.surface()).size(), 2);
+        c.core.properties().DetectHyperLinks = false;
+        c.links().UnHyperLinkDocument();
+        QCOMPARE(linkedRuns(c.surface()), QStringList());
+        const CharFormat all = c.surface().rangeCharFormat(0, -1);
+        QCOMPARE(all.linkEffect.value_or(true), false);
+        QCOMPARE(all.locale.value_or(0), 1033);
+        QCOMPARE(c.surface().selStart(), 2);
+        QCOMPARE(c.surface().selLength(), 3);
+        QVERIFY(!c.surface().canUndo());
+    }
+
+    void hyperLinkSelected()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("call the office now"));
+        c.links().HyperLinkSelected(9, 6);
+        QCOMPARE(linkedRuns(c.surface()), QStringList{"office"});
+        QCOMPARE(c.surface().selStart(), 9);
+        QCOMPARE(c.surface().selLength(), 0);
+        QVERIFY(c.events.names.isEmpty());
+    }
+
+    void hitTests()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("a me@host.org b www.kvrtb.org c x@y.com"));
+        // Link only the first two; the last e-mail address matches but never gets the marker.
+        c.links().HyperLinkSelected(2, 11);
+        c.links().HyperLinkSelected(16, 13);
+
+        QString address = QStringLiteral("untouched");
+        c.surface().setSelStart(5);
+        QVERIFY(c.links().DetectEmailZone(5, &address));
+        QCOMPARE(address, QStringLiteral("me@host.org"));
+        QVERIFY(!c.links().DetectURLZone(5, &address));
+
+        c.surface().setSelStart(20);
+        QVERIFY(c.links().DetectURLZone(20, &address));
+        QCOMPARE(address, QStringLiteral("www.kvrtb.org"));
+        // The last character of a match still hits; the one after it does not.
+        c.surface().setSelStart(28);
+        QVERIFY(c.links().DetectURLZone(28, &address));
+        c.surface().setSelStart(29);
+        QVERIFY(!c.links().DetectURLZone(29, &address));
+
+        // Matching text without the marker is no link.
+        address = QStringLiteral("untouched");
+        c.surface().setSelStart(36);
+        QVERIFY(!c.links().DetectEmailZone(36, &address));
+        QCOMPARE(address, QStringLiteral("untouched"));
+
+        // While the user acts, matches are passed over unexamined.
+        c.services.pendingInput = true;
+        c.surface().setSelStart(5);
+        QVERIFY(!c.links().DetectEmailZone(5, &address));
+        QCOMPARE(address, QStringLiteral("untouched"));
+    }
+
+    void openingAddresses()
+    {
+        Control c;
+        c.links().GoToWebsite(QString());
+        c.links().GoToEmailClient(QString());
+        QVERIFY(c.services.openedAddresses.isEmpty());
+        c.links().GoToWebsite(QStringLiteral("www.kvrtb.org"));
+        c.links().GoToEmailClient(QStringLiteral("me@host.org"));
+        QCOMPARE(c.services.openedAddresses, (QStringList{"www.kvrtb.org", "mailto:me@host.org"}));
+        QCOMPARE(c.services.processEventsCalls, 0);
+
+        c.services.openAddressSucceeds = false;
+        QString error;
+        c.links().GoToWebsite(QStringLiteral("www.kvrtb.org"), &error);
+        QCOMPARE(error, c.services.openAddressError);
+        QCOMPARE(c.services.processEventsCalls, 1);
+    }
+
+    void currentLinePass()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("first www.one.org\nplain words\nsecond "));
+        c.surface().setSelStart(c.surface().textLength());
+        QTest::keyClicks(c.surface().widget(), QStringLiteral("me@host.org and more"));
+        const int caret = c.surface().selStart();
+        c.links().HyperLinkCurrentLine();
+        // Only the caret's line is linked.
+        QCOMPARE(linkedRuns(c.surface()), QStringList{"me@host.org"});
+        QCOMPARE(c.surface().selStart(), caret);
+        QCOMPARE(c.surface().selLength(), 0);
+        QVERIFY(!c.surface().canUndo());
+        // The pass raises no events of its own: these are the undo round trip's two steps.
+        QCOMPARE(c.events.names, (QStringList{"Begin", "Finish", "Ready", "Begin", "Finish", "Ready"}));
+        // The snapshot is the document before the typing: it can be restored by the control's undo.
+        QVERIFY(threadState().specialUndo.available);
+        QVERIFY(threadState().specialUndo.text.contains(QLatin1String("second")));
+        QVERIFY(!threadState().specialUndo.text.contains(QLatin1String("host")));
+        QCOMPARE(c.surface().text(), QStringLiteral("first www.one.org\nplain words\nsecond me@host.org and more"));
+
+        // A line with nothing that could be an address: no snapshot, no change.
+        threadState().specialUndo = SpecialUndoSlot();
+        c.surface().setSelStart(20);
+        c.links().HyperLinkCurrentLine();
+        QVERIFY(!threadState().specialUndo.available);
+    }
+
+    void typingAfterTrailingLink()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("see www.kvrtb.org"));
+        c.links().HyperLinkDocument();
+        c.surface().setSelStart(c.surface().textLength());
+        c.links().ClearTrailingLinkMarker(c.surface().selStart());
+        QTest::keyClicks(c.surface().widget(), QStringLiteral(" ok"));
+        QCOMPARE(c.surface().text(), QStringLiteral("see www.kvrtb.org ok"));
+        QVERIFY(!c.surface().rangeCharFormat(17, 3).hasLinkMarker());
+        QVERIFY(c.surface().rangeCharFormat(4, 13).hasLinkMarker());
+    }
+
+    void largeDocumentSwitchesLinkingOff()
+    {
+        Control c;
+        QString big;
+        big.reserve(Hyperlinks::kLargeDocumentRtfLength + 100);
+        while (big.size() < Hyperlinks::kLargeDocumentRtfLength + 10)
+            big += QStringLiteral("plain words and more plain words www.kvrtb.org\n");
+        c.surface().setText(big);
+        c.surface().setSelStart(5);
+        c.links().HyperLinkCurrentLine();
+        QVERIFY(!c.core.properties().DetectHyperLinks);
+        QVERIFY(!threadState().detectHyperLinks);
+        const auto boxes = c.services.callsOf(QStringLiteral("messageBox"));
+        QCOMPARE(boxes.size(), 1);
+        QCOMPARE(boxes.first().title, QStringLiteral("Automatic Hyperlinking Disabled"));
+        QCOMPARE(boxes.first().text,
+                 QStringLiteral("The current file is very large or contains images, automatic hyperlinking has been "
+                                "disabled to improve performance.\r\nSimply click the Detect Hyperlinks button to "
+                                "use hyperlinking as needed."));
+        QCOMPARE(boxes.first().icon, int(MessageIcon::Information));
+        QCOMPARE(boxes.first().buttons, int(MessageButtons::OK));
+        QVERIFY(c.events.names.contains(QStringLiteral("Changed:DetectHyperLinks")));
+        QVERIFY(!c.surface().rangeCharFormat(33, 13).hasLinkMarker());
+    }
+
+    void caretAndScrollComeBack()
+    {
+        Control c;
+        QWidget *view = c.surface().widget();
+        view->resize(400, 200);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view));
+        QString text;
+        for (int i = 0; i < 200; ++i)
+            text += QStringLiteral("line %1 with me%1@host.org inside\n").arg(i);
+        c.surface().setText(text);
+        c.surface().scrollLines(80);
+        const int first = c.surface().firstVisibleLine();
+        QVERIFY(first > 50);
+        const int caret = c.surface().lineIndex(first + 2) + 3;
+        c.surface().setSelStart(caret);
+        c.links().HyperLinkDocument();
+        QCOMPARE(linkedRuns(c.surface()).size(), 200);
+        QCOMPARE(c.surface().firstVisibleLine(), first);
+        QCOMPARE(c.surface().selStart(), caret);
+        QCOMPARE(c.surface().selLength(), 0);
+    }
+};
+
+QTEST_MAIN(TestHyperlinks)
+#include "test_hyperlinks.moc"

@@ -11,6 +11,7 @@
 
 #include <QAbstractScrollArea>
 #include <QFile>
+#include <QProgressBar>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -148,6 +149,8 @@ private slots:
     void mouseEventsCarryTwips();
     void selectionPassThrough();
     void byNameInvocation();
+    void progressAndQuietSelection();
+    void wordWrapSetsMyWrapStyle();
     void createShowResizeDestroyDoesNotGrow();
 
 private:
@@ -656,6 +659,49 @@ void TestControl::byNameInvocation()
 
     QCOMPARE(control.property("hwnd").toULongLong(), qulonglong(control.RichTextBox1().windowHandle()));
     QCOMPARE(control.GetRTFString(), control.RichTextBox1().rtf());
+}
+
+void TestControl::progressAndQuietSelection()
+{
+    KvRTB control(m_services);
+    control.resize(200, 100);
+    control.show();
+    control.core().setProgress(40);
+    QCOMPARE(control.ProgressPercentage(), short(40));
+    QCOMPARE(control.ProgressBar1()->value(), 40);
+    QVERIFY(control.ProgressBar1()->isVisible());
+    control.core().setProgress(250);
+    QCOMPARE(control.ProgressPercentage(), short(100));
+    control.core().setProgress(0);
+    QVERIFY(!control.ProgressBar1()->isVisible());
+
+    // Bulk passes move the selection without telling the host; the user's moves are reported.
+    control.setText(QStringLiteral("some words here"));
+    QSignalSpy selChange(&control, &KvRTB::SelChange);
+    {
+        QuietSelection quiet(control.core());
+        control.RichTextBox1().setSelection(5, 5);
+        control.RichTextBox1().setSelection(0, 4);
+    }
+    QCOMPARE(selChange.count(), 0);
+    control.RichTextBox1().setSelection(11, 4);
+    QCOMPARE(selChange.count(), 1);
+}
+
+void TestControl::wordWrapSetsMyWrapStyle()
+{
+    KvRTB control(m_services);
+    QSignalSpy menu(&control, &KvRTB::UpdateParentMenu);
+    control.Word_Wrap(false);
+    QCOMPARE(control.RichTextBox1().wrapMode(), WrapMode::None);
+    QCOMPARE(control.MyWrapStyle(), int(NoWrap));
+    control.Word_Wrap(true);
+    QCOMPARE(control.RichTextBox1().wrapMode(), WrapMode::Window);
+    QCOMPARE(control.MyWrapStyle(), int(WindowWrap));
+    const bool atRuler = true;
+    control.Word_Wrap(true, &atRuler);
+    QCOMPARE(control.MyWrapStyle(), int(RulerWrap));
+    QCOMPARE(menu.count(), 3);
 }
 
 void TestControl::createShowResizeDestroyDoesNotGrow()

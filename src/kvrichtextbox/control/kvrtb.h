@@ -164,6 +164,7 @@ public:
     int MousePointer() const;
     int RightMargin() const;
     QString Text() const;
+    /// The whole document as RTF; empty for an empty document, which has nothing to keep.
     QString TextRTF() const;
     bool RemoveUnUsableData() const;
     uint ColorVBNetKeyWord() const;

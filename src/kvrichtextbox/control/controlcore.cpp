@@ -1,6 +1,7 @@
 #include "control/controlcore.h"
 
 #include "control/threadstate.h"
+#include "documents/documents.h"
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
@@ -24,6 +25,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_specialUndo = std::make_unique<SpecialUndo>(*this);
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
+    m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
 }
 
 ControlCore::~ControlCore() = default;

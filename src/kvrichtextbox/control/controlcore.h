@@ -11,6 +11,7 @@ class QWidget;
 
 namespace kvrtb {
 
+class Documents;
 class EditCommands;
 class Hyperlinks;
 class LinesAndCase;
@@ -55,6 +56,8 @@ public:
     EditCommands &editCommands() { return *m_editCommands; }
     /// Address detection and link marking.
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
+    /// Loading and saving documents, the file dialogs and the enciphered-file test.
+    Documents &documents() { return *m_documents; }
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -77,6 +80,7 @@ private:
     std::unique_ptr<SpecialUndo> m_specialUndo;
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
+    std::unique_ptr<Documents> m_documents;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -1,0 +1,45 @@
+#include "documents/fileerror.h"
+
+#include <cerrno>
+
+namespace kvrtb::FileError {
+
+int fromErrno(int osError, bool reading)
+{
+    switch (osError) {
+    case 0:
+        return None;
+    case ENOENT:
+        return reading ? FileNotFound : PathNotFound;
+    case ENOTDIR:
+        return PathNotFound;
+    case ENOSPC:
+    case EDQUOT:
+        return DiskFull;
+    case EACCES:
+    case EPERM:
+    case EBUSY:
+    case ETXTBSY:
+    case EAGAIN:
+        return PermissionDenied;
+    case EMFILE:
+    case ENFILE:
+        return TooManyFiles;
+    case EIO:
+        return DeviceIo;
+    case ENAMETOOLONG:
+        return BadFileName;
+    case EEXIST:
+        return FileExists;
+    case EXDEV:
+        return RenameAcrossDrives;
+    case EINVAL:
+        return InvalidCall;
+    default:
+        // A directory in place of the file, a read-only file system, a loop of links and the
+        // rest are "path/file access" errors.
+        return PathFileAccess;
+    }
+}
+
+} // namespace kvrtb::FileError

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+namespace kvrtb {
+
+/// \brief Writes a whole file so that a failure never loses the file it replaces.
+///
+/// The bytes go to a new file beside the target, are flushed to the disk, take the target's
+/// permissions (or those a new file would get), and the new file is renamed over the target;
+/// the folder is flushed too. A target whose own permissions forbid writing is never replaced,
+/// although the rename into a writable folder would succeed. Symbolic links are followed: the
+/// file they name is replaced, the link stays.
+class SafeFileWriter {
+public:
+    struct Result {
+        bool ok = false;
+        int error = 0;          ///< `FileError` number; 0 when written
+        bool readOnly = false;  ///< the target exists and may not be written
+        QString reason;         ///< the operating system's message, for logs and the CLI
+    };
+
+    /// Writes \a bytes to \a path.
+    static Result write(const QString &path, const QByteArray &bytes);
+
+    /// True when \a path names an existing file that its permissions keep from being written
+    /// (no write permission at all, or none for this user), or one on a read-only file system.
+    static bool isReadOnlyFile(const QString &path);
+
+    /// \brief Test seam: a fault injected into the next writes of this thread.
+    ///
+    /// Called before each chunk is written with the number of bytes already written; returning
+    /// a non-zero `errno` value makes that write fail with it (ENOSPC simulates a full disk).
+    /// An empty function (the default) injects nothing.
+    using WriteFault = std::function<int(qint64 bytesWritten)>;
+    static void setWriteFault(WriteFault fault);
+};
+
+} // namespace kvrtb

@@ -2,6 +2,7 @@
 // OpenDocument text, each chosen by the file's extension.
 
 #include "commandregistry.h"
+#include "documentconvert.h"
 
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
@@ -95,12 +96,27 @@ QString convertDocument(const QString &input, const QString &output)
 
 namespace {
 
-int runConvert(const QStringList &args)
+int runConvert(const QStringList &arguments)
 {
+    // --yes / --no answer the control's questions (saving formatted text as text); yes by default.
+    kvrtb::MessageAnswer answer = kvrtb::MessageAnswer::Yes;
+    QStringList args;
+    for (const QString &arg : arguments) {
+        if (arg == QLatin1String("--yes"))
+            answer = kvrtb::MessageAnswer::Yes;
+        else if (arg == QLatin1String("--no"))
+            answer = kvrtb::MessageAnswer::No;
+        else
+            args << arg;
+    }
     if (args.size() != 2) {
-        kvrtb::cli::printErr(QStringLiteral("Usage: kvrtb convert INPUT OUTPUT\n"));
+        kvrtb::cli::printErr(QStringLiteral("Usage: kvrtb convert [--yes|--no] INPUT OUTPUT\n"));
         return 2;
     }
+    // Between the control's own types (.rtf, .txt, .mbdf) the control loads and saves, as a
+    // host would: encodings and line ends of text files kept, failed saves leave the target.
+    if (kvrtb::cli::controlFileType(args[0]) >= 0 && kvrtb::cli::controlFileType(args[1]) >= 0)
+        return kvrtb::cli::convertThroughControl(args[0], args[1], answer);
     const QString error = kvrtb::cli::convertDocument(args[0], args[1]);
     if (!error.isEmpty()) {
         kvrtb::cli::printErr(QStringLiteral("kvrtb convert: %1\n").arg(error));
@@ -110,7 +126,7 @@ int runConvert(const QStringList &args)
 }
 
 const kvrtb::cli::Registration registration{
-    {QStringLiteral("convert"), QStringLiteral("convert INPUT OUTPUT"),
+    {QStringLiteral("convert"), QStringLiteral("convert [--yes|--no] INPUT OUTPUT"),
      QStringLiteral("convert a document between .rtf, .txt, .html, .md (and to .odt)"), runConvert}};
 
 } // namespace

@@ -11,7 +11,10 @@ MessageAnswer ConsoleServices::messageBox(const QString &text, MessageButtons bu
     switch (buttons) {
     case MessageButtons::AbortRetryIgnore: return MessageAnswer::Abort;
     case MessageButtons::YesNoCancel:
-    case MessageButtons::YesNo: return MessageAnswer::Yes;
+    case MessageButtons::YesNo:
+        printErr(QStringLiteral("%1: answered %2\n")
+                     .arg(title, questionAnswer == MessageAnswer::No ? QStringLiteral("No") : QStringLiteral("Yes")));
+        return questionAnswer == MessageAnswer::No ? MessageAnswer::No : MessageAnswer::Yes;
     case MessageButtons::RetryCancel: return MessageAnswer::Retry;
     case MessageButtons::OK:
     case MessageButtons::OKCancel: break;

@@ -5,10 +5,13 @@
 namespace kvrtb::cli {
 
 /// \brief Platform services for the command-line tool: no windows. Message boxes are printed
-/// to standard error and answered with their first button; dialogs are cancelled; addresses
-/// are not opened.
+/// to standard error and answered with their first button, questions (Yes/No) with
+/// `questionAnswer`; dialogs are cancelled; addresses are not opened.
 class ConsoleServices : public PlatformServices {
 public:
+    /// The answer to Yes/No questions (`--yes`/`--no` on the command line): Yes or No.
+    MessageAnswer questionAnswer = MessageAnswer::Yes;
+
     MessageAnswer messageBox(const QString &text, MessageButtons buttons, MessageIcon icon,
                              const QString &title) override;
     FileDialogResult openFileDialog(const FileDialogRequest &request) override;

@@ -13,6 +13,7 @@
 #include "documents/textfileformat.h"
 #include "hyperlinks/hyperlinks.h"
 
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -790,6 +791,53 @@ private slots:
         QVERIFY(!c.core.properties().DetectHyperLinks);
         QCOMPARE(c.boxes().size(), 1);
         QCOMPARE(c.boxes().first().title, QStringLiteral("Automatic Hyperlinking Disabled"));
+    }
+    void commandLineConvert()
+    {
+#ifndef KVRTB_CLI
+        QSKIP("The command-line tool is not part of this build.");
+#else
+        auto convert = [](const QStringList &args, QString *errors = nullptr) {
+            QProcess process;
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+            process.setProcessEnvironment(env);
+            process.start(QStringLiteral(KVRTB_CLI), QStringList{QStringLiteral("convert")} + args);
+            if (!process.waitForFinished(60000))
+                return -1;
+            if (errors)
+                *errors = QString::fromUtf8(process.readAllStandardError());
+            return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        };
+        const QByteArray text("caf\xC3\xA9 one\r\nsee www.kvrtb.org\r\n\r\nend\r\n");
+        QVERIFY(writeBytes(path(QStringLiteral("cli.txt")), text));
+        QFile::remove(path(QStringLiteral("cli-out.txt")));
+        QCOMPARE(convert({path(QStringLiteral("cli.txt")), path(QStringLiteral("cli-out.txt"))}), 0);
+        QCOMPARE(fileBytes(path(QStringLiteral("cli-out.txt"))), text);
+
+        // Formatted text to text: asked, and --no writes nothing.
+        QVERIFY(writeBytes(path(QStringLiteral("cli.rtf")), "{\\rtf1\\ansi {\\b bold} words\\par}"));
+        QFile::remove(path(QStringLiteral("cli-plain.txt")));
+        QString errors;
+        QCOMPARE(convert({QStringLiteral("--no"), path(QStringLiteral("cli.rtf")), path(QStringLiteral("cli-plain.txt"))}, &errors), 1);
+        QVERIFY(errors.contains(QLatin1String("Mobbit Edit Text")));
+        QVERIFY(!QFile::exists(path(QStringLiteral("cli-plain.txt"))));
+        QCOMPARE(convert({path(QStringLiteral("cli.rtf")), path(QStringLiteral("cli-plain.txt"))}), 0);
+        QCOMPARE(fileBytes(path(QStringLiteral("cli-plain.txt"))), QByteArray("bold words"));
+
+        // A failing save leaves the target; an enciphered input is refused.
+        const QString readOnly = path(QStringLiteral("cli-ro.txt"));
+        QFile::setPermissions(readOnly, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(writeBytes(readOnly, "kept"));
+        QVERIFY(::chmod(QFile::encodeName(readOnly).constData(), 0444) == 0);
+        QCOMPARE(convert({path(QStringLiteral("cli.txt")), readOnly}, &errors), 1);
+        QVERIFY(errors.contains(QLatin1String("File is Read-only")));
+        QCOMPARE(fileBytes(readOnly), QByteArray("kept"));
+        QVERIFY(writeBytes(path(QStringLiteral("cli.mbdf")), "kveS\x01\x02"));
+        QCOMPARE(convert({path(QStringLiteral("cli.mbdf")), path(QStringLiteral("cli-x.rtf"))}, &errors), 1);
+        QVERIFY(errors.contains(QLatin1String("enciphered")));
+        QVERIFY(!QFile::exists(path(QStringLiteral("cli-x.rtf"))));
+#endif
     }
 };
 

@@ -508,6 +508,16 @@ private slots:
         s->unfreeze();
         QVERIFY(!s->canUndo());
         QCOMPARE(s->text(), QStringLiteral("a\nb"));
+        // A typing format set while frozen is what the next typed character takes.
+        s->setSelection(s->textLength(), 0);
+        s->freeze();
+        CharFormat typing;
+        typing.italic = true;
+        s->setSelectionCharFormat(typing);
+        s->unfreeze();
+        s->editor()->setFocus();
+        QTest::keyClicks(s->editor(), QStringLiteral("z"));
+        QCOMPARE(s->rangeCharFormat(s->textLength() - 1, 1).italic, std::optional<bool>(true));
         s->unfreeze(); // unbalanced: no effect, no underflow
         QCOMPARE(s->freezeCount(), 0);
         SurfaceFreeze guard(*s);

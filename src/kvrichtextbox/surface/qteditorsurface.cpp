@@ -985,7 +985,10 @@ void QtEditorSurface::unfreeze()
     m_batchOpen = false;
     m_batch = QTextCursor();
     const QTextCursor widgetCursor = m_edit->textCursor();
-    if (widgetCursor.anchor() != m_frozenCursor.anchor() || widgetCursor.position() != m_frozenCursor.position())
+    // Hand over the frozen stretch's selection, and its typing format (a pass may have set the
+    // format the next typed character takes).
+    if (widgetCursor.anchor() != m_frozenCursor.anchor() || widgetCursor.position() != m_frozenCursor.position() ||
+        widgetCursor.charFormat() != m_frozenCursor.charFormat())
         m_edit->setTextCursor(m_frozenCursor);
     m_frozenCursor = QTextCursor();
     m_edit->setUpdatesEnabled(true);

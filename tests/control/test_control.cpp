@@ -152,6 +152,7 @@ private slots:
     void progressAndQuietSelection();
     void wordWrapSetsMyWrapStyle();
     void createShowResizeDestroyDoesNotGrow();
+    void membersReachTheirAreas();
 
 private:
     RecordingPlatformServices m_services;
@@ -644,9 +645,12 @@ void TestControl::byNameInvocation()
     QStringList synonyms{QStringLiteral("kept")};
     QString answer;
     QVERIFY(QMetaObject::invokeMethod(&control, "GetSynonyms", Q_RETURN_ARG(QString, answer),
-                                      Q_ARG(QString, QStringLiteral("word")), Q_ARG(QStringList &, synonyms)));
+                                      Q_ARG(QString, QStringLiteral("xqzzv")), Q_ARG(QStringList &, synonyms)));
     QCOMPARE(answer, QStringLiteral("No synonyms found."));
     QCOMPARE(synonyms, QStringList{QStringLiteral("kept")});
+    QVERIFY(QMetaObject::invokeMethod(&control, "GetSynonyms", Q_RETURN_ARG(QString, answer),
+                                      Q_ARG(QString, QStringLiteral("aback")), Q_ARG(QStringList &, synonyms)));
+    QVERIFY2(synonyms.contains(QStringLiteral("confused")), qPrintable(synonyms.join(QLatin1Char(','))));
 
     // Change tracking is the editor's modified flag.
     control.setText(QStringLiteral("changed"));
@@ -728,6 +732,54 @@ void TestControl::createShowResizeDestroyDoesNotGrow()
     qInfo("Resident memory before %lld kB, after 1000 controls %lld kB", before, after);
     // A control that leaked its editor would cost several megabytes over 1000 rounds.
     QVERIFY2(after - before < 2048, qPrintable(QStringLiteral("grew by %1 kB").arg(after - before)));
+}
+
+// The public members of the built areas reach them through the control.
+void TestControl::membersReachTheirAreas()
+{
+    QTemporaryDir dir;
+    KvRTB control(m_services);
+    control.resize(400, 200);
+    control.RichTextBox1().setText(QStringLiteral("Write to someone@example.com\nsecond line"));
+
+    // Lines: 1-based current line, 0-based line text.
+    control.RichTextBox1().setSelection(32, 0);
+    QCOMPARE(control.CurrentLine(), 2);
+    QCOMPARE(control.GetAnyLineText(0), QStringLiteral("Write to someone@example.com"));
+
+    // Hyperlinks: the address is marked with the link marker.
+    control.HyperLinkDocument();
+    control.RichTextBox1().setSelection(9, 19);
+    QVERIFY(control.RichTextBox1().selectionCharFormat().hasLinkMarker());
+    QString address;
+    QVERIFY(control.DetectEmailZone(12, address));
+    QCOMPARE(address, QStringLiteral("someone@example.com"));
+
+    // Formatting commands and the special undo.
+    bool apply = true;
+    control.AlignCenter(apply);
+    QCOMPARE(control.GetAlignment(), QVariant(int(mCenter)));
+    control.RichTextBox1().setSelection(0, -1);
+    control.Delete();
+    QCOMPARE(control.GetTextString(), QString());
+    control.HyperUndo();
+    QCOMPARE(control.GetTextString(), QStringLiteral("Write to someone@example.com\nsecond line"));
+
+    // Documents: save as RTF and load back through the control.
+    const QString path = dir.filePath(QStringLiteral("doc.rtf"));
+    QVERIFY(control.SaveFile(path, rtfRTF));
+    control.RichTextBox1().setText(QString());
+    bool opened = false;
+    control.LoadFile(path, rtfRTF, nullptr, &opened);
+    QVERIFY(opened);
+    QCOMPARE(control.GetTextString(), QStringLiteral("Write to someone@example.com\nsecond line"));
+
+    // Word lists.
+    QString prefix = QStringLiteral("aardv");
+    QStringList words;
+    QVERIFY(control.GetWordsThatStartWith(prefix, words, 3));
+    QVERIFY(!words.isEmpty());
+    QVERIFY(words.first().startsWith(QStringLiteral("aardvark")));
 }
 
 QTEST_MAIN(TestControl)

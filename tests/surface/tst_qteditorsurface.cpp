@@ -63,6 +63,14 @@ private slots:
         QCOMPARE(s->textRange(15, 100), QStringLiteral("our"));
         QCOMPARE(s->textRange(-5, 3), QStringLiteral("one"));
         QCOMPARE(s->textRange(100, 3), QString());
+        // New text takes the default format, whatever stood at the caret before.
+        CharFormat bold;
+        bold.bold = true;
+        s->setSelection(0, -1);
+        s->setSelectionCharFormat(bold);
+        s->setText(QStringLiteral("fresh"));
+        QCOMPARE(s->rangeCharFormat(0, 5).bold, std::optional<bool>(false));
+        QCOMPARE(s->selStart(), 0);
     }
 
     void selectionConventions()

@@ -1,5 +1,7 @@
 #include "control/kvrtb.h"
 
+#include "spelling/dictionary.h"
+
 #include "control/controlcore.h"
 #include "control/kvrtb_p.h"
 #include "control/qtplatformservices.h"
@@ -281,7 +283,7 @@ void KvRTB::PrepareKvRTB()
     m_regexTxt.clear();
     m_regexTxt2.clear();
     m_regexTxt3.clear();
-    // Preparing the dictionaries comes with the spelling area.
+    Dictionary::Prepare();
 }
 
 QString KvRTB::GetRTFString() const

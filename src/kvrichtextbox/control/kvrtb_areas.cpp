@@ -1,237 +1,166 @@
-// Members of the areas that are not in this build yet. Each group is replaced by forwarding to
-// its area's object in ControlCore when the area lands; until then every member reports itself
-// once and gives its not-found value.
+// The members of the areas that are built: each forwards to its area's object in the core.
 
 #include "control/kvrtb.h"
 
+#include "control/controlcore.h"
+#include "control/kvrtb_p.h"
+#include "documents/documents.h"
+#include "editing/editcommands.h"
+#include "editing/linesandcase.h"
+#include "editing/specialundo.h"
+#include "hyperlinks/hyperlinks.h"
+#include "spelling/thesaurus.h"
+#include "spelling/wordlists.h"
+
 namespace kvrtb {
 
-namespace {
-
-template <typename T>
-void setIf(T *out, const T &value)
+// Documents and encrypted documents.
+void KvRTB::LoadFile(const QString &bstrFilename, QFileType vFileType, bool *TXTLinks, bool *OpenSuccess)
 {
-    if (out)
-        *out = value;
+    core().documents().LoadFile(bstrFilename, vFileType, TXTLinks, OpenSuccess);
+}
+QVariant KvRTB::LoadFileRTBOriginal(const QString &bstrFilename, QFileType vFileType)
+{
+    return core().documents().LoadFileRTBOriginal(bstrFilename, vFileType);
+}
+bool KvRTB::SaveFile(const QString &bstrFilename, QFileType vFlags)
+{
+    return core().documents().SaveFile(bstrFilename, vFlags);
+}
+QString KvRTB::CommonDialogFileOpen(QString *DefaultDirectory, QString *CustomFilter, bool *TextWLinks,
+                                    short *ShowFilterIndex, short *FindexRet, short *MyErr, bool *OpenSuccess,
+                                    QString *Title)
+{
+    return core().documents().CommonDialogFileOpen(DefaultDirectory, CustomFilter, TextWLinks, ShowFilterIndex,
+                                                   FindexRet, MyErr, OpenSuccess, Title);
+}
+QString KvRTB::CommonDialogFileSave(QString *DefaultDirectory, QString *FileNameSTR, bool *PromptOverWrite,
+                                    QString *CustomFilter, short *ShowFilterIndex, short *FindexRet, short *MyErr,
+                                    QString *Title, bool *SaveSuccess)
+{
+    return core().documents().CommonDialogFileSave(DefaultDirectory, FileNameSTR, PromptOverWrite, CustomFilter,
+                                                   ShowFilterIndex, FindexRet, MyErr, Title, SaveSuccess);
+}
+void KvRTB::OpenDecryptedFile(QString &MyFileName, short &MyIndex, bool *TextWLinks, bool *OpenSuccess, short *MyErr)
+{
+    core().documents().OpenDecryptedFile(MyFileName, MyIndex, TextWLinks, OpenSuccess, MyErr);
+}
+bool KvRTB::IsFileEncrypted(QString &FileNameSTR)
+{
+    return Documents::IsFileEncrypted(FileNameSTR);
 }
 
-} // namespace
-
-// Documents and encrypted documents: still to come.
-void KvRTB::LoadFile(const QString &, QFileType, bool *, bool *OpenSuccess)
+// Lines, selection and case.
+void KvRTB::SelectLine() { core().linesAndCase().SelectLine(); }
+QString KvRTB::GetLineText(int *LineStart, int *LineLength) { return core().linesAndCase().GetLineText(LineStart, LineLength); }
+QString KvRTB::GetPrevLineText() { return core().linesAndCase().GetPrevLineText(); }
+QString KvRTB::GetAnyLineText(int MyLineNum) { return core().linesAndCase().GetAnyLineText(MyLineNum); }
+int KvRTB::GetPosOfFirstCharInLine(int MyLine) { return core().linesAndCase().GetPosOfFirstCharInLine(MyLine); }
+int KvRTB::GetPosOfFirstCharInPrevLine() { return core().linesAndCase().GetPosOfFirstCharInPrevLine(); }
+int KvRTB::FirstVisibleLine() { return core().linesAndCase().FirstVisibleLine(); }
+int KvRTB::LastVisibleLine() { return core().linesAndCase().LastVisibleLine(); }
+int KvRTB::TotalLineCount() { return core().linesAndCase().TotalLineCount(); }
+int KvRTB::CurrentLine() { return core().linesAndCase().CurrentLine(); }
+void KvRTB::GoToLine(int LineNumQ, bool SelectLineQ) { core().linesAndCase().GoToLine(LineNumQ, SelectLineQ); }
+int KvRTB::GetLineFromChar(int lChar) { return core().linesAndCase().GetLineFromChar(lChar); }
+void KvRTB::SelectAllText() { core().linesAndCase().SelectAllText(); }
+int KvRTB::TopLineSelStart()
 {
-    reportNotAvailable("LoadFile");
-    setIf(OpenSuccess, false);
+    // The first character of the first visible line.
+    return core().surface().lineIndex(core().surface().firstVisibleLine());
 }
-QVariant KvRTB::LoadFileRTBOriginal(const QString &, QFileType)
+int KvRTB::TovrinLine() { return core().linesAndCase().TovrinLine(); }
+int KvRTB::TovrinColumn() { return core().linesAndCase().TovrinColumn(); }
+int KvRTB::TovrinChar() { return core().linesAndCase().TovrinChar(); }
+void KvRTB::TovrinUpperCase() { core().linesAndCase().TovrinUpperCase(); }
+void KvRTB::TovrinLowerCase() { core().linesAndCase().TovrinLowerCase(); }
+void KvRTB::TovrinSentenceCase() { core().linesAndCase().TovrinSentenceCase(); }
+void KvRTB::TovrinToggleCase() { core().linesAndCase().TovrinToggleCase(); }
+void KvRTB::TovrinTitleCase() { core().linesAndCase().TovrinTitleCase(); }
+void KvRTB::Span(const QString &bstrCharacterSet, bool vForward, bool vNegate)
 {
-    reportNotAvailable("LoadFileRTBOriginal");
-    return QVariant();
+    core().linesAndCase().Span(bstrCharacterSet, vForward, vNegate);
 }
-bool KvRTB::SaveFile(const QString &, QFileType)
+void KvRTB::UpTo(const QString &bstrCharacterSet, bool vForward, bool vNegate)
 {
-    reportNotAvailable("SaveFile");
-    return false;
-}
-QString KvRTB::CommonDialogFileOpen(QString *, QString *, bool *, short *, short *, short *, bool *OpenSuccess, QString *)
-{
-    reportNotAvailable("CommonDialogFileOpen");
-    setIf(OpenSuccess, false);
-    return QString();
-}
-QString KvRTB::CommonDialogFileSave(QString *, QString *, bool *, QString *, short *, short *, short *, QString *,
-                                    bool *SaveSuccess)
-{
-    reportNotAvailable("CommonDialogFileSave");
-    setIf(SaveSuccess, false);
-    return QString();
-}
-void KvRTB::OpenDecryptedFile(QString &, short &, bool *, bool *OpenSuccess, short *)
-{
-    reportNotAvailable("OpenDecryptedFile");
-    setIf(OpenSuccess, false);
-}
-bool KvRTB::IsFileEncrypted(QString &)
-{
-    reportNotAvailable("IsFileEncrypted");
-    return false;
+    core().linesAndCase().UpTo(bstrCharacterSet, vForward, vNegate);
 }
 
-// Lines, selection and case: still to come.
-void KvRTB::SelectLine() { reportNotAvailable("SelectLine"); }
-QString KvRTB::GetLineText(int *LineStart, int *LineLength)
-{
-    reportNotAvailable("GetLineText");
-    setIf(LineStart, 0);
-    setIf(LineLength, 0);
-    return QString();
-}
-QString KvRTB::GetPrevLineText() { reportNotAvailable("GetPrevLineText"); return QString(); }
-QString KvRTB::GetAnyLineText(int) { reportNotAvailable("GetAnyLineText"); return QString(); }
-int KvRTB::GetPosOfFirstCharInLine(int) { reportNotAvailable("GetPosOfFirstCharInLine"); return -1; }
-int KvRTB::GetPosOfFirstCharInPrevLine() { reportNotAvailable("GetPosOfFirstCharInPrevLine"); return -1; }
-int KvRTB::FirstVisibleLine() { reportNotAvailable("FirstVisibleLine"); return -1; }
-int KvRTB::LastVisibleLine() { reportNotAvailable("LastVisibleLine"); return -1; }
-int KvRTB::TotalLineCount() { reportNotAvailable("TotalLineCount"); return -1; }
-int KvRTB::CurrentLine() { reportNotAvailable("CurrentLine"); return -1; }
-void KvRTB::GoToLine(int, bool) { reportNotAvailable("GoToLine"); }
-int KvRTB::GetLineFromChar(int) { reportNotAvailable("GetLineFromChar"); return -1; }
-void KvRTB::SelectAllText() { reportNotAvailable("SelectAllText"); }
-int KvRTB::TopLineSelStart() { reportNotAvailable("TopLineSelStart"); return -1; }
-int KvRTB::TovrinLine() { reportNotAvailable("TovrinLine"); return -1; }
-int KvRTB::TovrinColumn() { reportNotAvailable("TovrinColumn"); return -1; }
-int KvRTB::TovrinChar() { reportNotAvailable("TovrinChar"); return -1; }
-void KvRTB::TovrinUpperCase() { reportNotAvailable("TovrinUpperCase"); }
-void KvRTB::TovrinLowerCase() { reportNotAvailable("TovrinLowerCase"); }
-void KvRTB::TovrinSentenceCase() { reportNotAvailable("TovrinSentenceCase"); }
-void KvRTB::TovrinToggleCase() { reportNotAvailable("TovrinToggleCase"); }
-void KvRTB::TovrinTitleCase() { reportNotAvailable("TovrinTitleCase"); }
-void KvRTB::Span(const QString &, bool, bool) { reportNotAvailable("Span"); }
-void KvRTB::UpTo(const QString &, bool, bool) { reportNotAvailable("UpTo"); }
+// Formatting, clipboard and undo commands.
+void KvRTB::AlignCenter(bool &MyBool) { core().editCommands().AlignCenter(MyBool); }
+void KvRTB::AlignRight(bool &MyBool) { core().editCommands().AlignRight(MyBool); }
+void KvRTB::AlignLeft(bool &MyBool) { core().editCommands().AlignLeft(MyBool); }
+QVariant KvRTB::GetAlignment() { return core().editCommands().GetAlignment(); }
+void KvRTB::LineSpacing(LineSpc LineMethod, int exactORmultiple) { core().editCommands().LineSpacing(LineMethod, exactORmultiple); }
+void KvRTB::ScriptStyle(ScripTT ScriptMethod) { core().editCommands().ScriptStyle(ScriptMethod); }
+void KvRTB::ListStyle(ListNN ListMethod) { core().editCommands().ListStyle(ListMethod); }
+bool KvRTB::SelListMethod(ListNN ListMethod) { return core().editCommands().SelListMethod(ListMethod); }
+int KvRTB::ReadOnly(bool ApplyReadOnly) { return core().editCommands().ReadOnly(ApplyReadOnly ? kVbTrue : kVbFalse); }
+void KvRTB::HighLightText(uint HighLightColor) { core().editCommands().HighLightText(HighLightColor); }
+bool KvRTB::IsTextHighLighted(uint HighLightColor) { return core().editCommands().IsTextHighLighted(HighLightColor); }
+void KvRTB::UnHighLightText(Unhighlight_Behavior All_or_Selected_Text) { core().editCommands().UnHighLightText(All_or_Selected_Text); }
+bool KvRTB::CanHighlight() { return core().editCommands().CanHighlight(); }
+bool KvRTB::ContainSpecialFormatting() { return core().editCommands().ContainSpecialFormatting(); }
+bool KvRTB::CanChangeCase() { return core().editCommands().CanChangeCase(); }
+bool KvRTB::CanClear() { return core().editCommands().CanClear(); }
+bool KvRTB::CanCopy() { return core().editCommands().CanCopy(); }
+bool KvRTB::CanCut() { return core().editCommands().CanCut(); }
+bool KvRTB::CanDelete() { return core().editCommands().CanDelete(); }
+bool KvRTB::CanPaste() { return core().editCommands().CanPaste(); }
+bool KvRTB::CanSelectAll() { return core().editCommands().CanSelectAll(); }
+bool KvRTB::CanGetSpelling() { return core().editCommands().CanGetSpelling(); }
+bool KvRTB::CanUndo() { return core().specialUndo().CanUndo(); }
+bool KvRTB::GetCanUndoSpecial() { return core().specialUndo().GetCanUndoSpecial(); }
+void KvRTB::Delete() { core().editCommands().Delete(); }
+void KvRTB::Copy() { core().editCommands().Copy(); }
+void KvRTB::Paste() { core().editCommands().Paste(); }
+void KvRTB::Cut() { core().editCommands().Cut(); }
+void KvRTB::Undo() { core().specialUndo().Undo(); }
+void KvRTB::HyperUndo() { core().specialUndo().HyperUndo(); }
+void KvRTB::EmptyRTBUndoRedoBuffer() { core().specialUndo().EmptyRTBUndoRedoBuffer(); }
+void KvRTB::SaveSpecialUndoData() { core().specialUndo().SaveSpecialUndoData(); }
+void KvRTB::SaveRegularUndoData() { core().specialUndo().SaveRegularUndoData(); }
+void KvRTB::SaveDeleteUndoData() { core().specialUndo().SaveDeleteUndoData(); }
+void KvRTB::SaveInLinkUndoData() { core().specialUndo().SaveInLinkUndoData(); }
 
-// Formatting, clipboard and undo commands: still to come.
-void KvRTB::AlignCenter(bool &) { reportNotAvailable("AlignCenter"); }
-void KvRTB::AlignRight(bool &) { reportNotAvailable("AlignRight"); }
-void KvRTB::AlignLeft(bool &) { reportNotAvailable("AlignLeft"); }
-QVariant KvRTB::GetAlignment() { reportNotAvailable("GetAlignment"); return QVariant(); }
-void KvRTB::LineSpacing(LineSpc, int) { reportNotAvailable("LineSpacing"); }
-void KvRTB::ScriptStyle(ScripTT) { reportNotAvailable("ScriptStyle"); }
-void KvRTB::ListStyle(ListNN) { reportNotAvailable("ListStyle"); }
-bool KvRTB::SelListMethod(ListNN) { reportNotAvailable("SelListMethod"); return false; }
-int KvRTB::ReadOnly(bool) { reportNotAvailable("ReadOnly"); return 0; }
-void KvRTB::HighLightText(uint) { reportNotAvailable("HighLightText"); }
-bool KvRTB::IsTextHighLighted(uint) { reportNotAvailable("IsTextHighLighted"); return false; }
-void KvRTB::UnHighLightText(Unhighlight_Behavior) { reportNotAvailable("UnHighLightText"); }
-bool KvRTB::CanHighlight() { reportNotAvailable("CanHighlight"); return false; }
-bool KvRTB::ContainSpecialFormatting() { reportNotAvailable("ContainSpecialFormatting"); return false; }
-bool KvRTB::CanChangeCase() { reportNotAvailable("CanChangeCase"); return false; }
-bool KvRTB::CanClear() { reportNotAvailable("CanClear"); return false; }
-bool KvRTB::CanCopy() { reportNotAvailable("CanCopy"); return false; }
-bool KvRTB::CanCut() { reportNotAvailable("CanCut"); return false; }
-bool KvRTB::CanDelete() { reportNotAvailable("CanDelete"); return false; }
-bool KvRTB::CanPaste() { reportNotAvailable("CanPaste"); return false; }
-bool KvRTB::CanSelectAll() { reportNotAvailable("CanSelectAll"); return false; }
-bool KvRTB::CanUndo() { reportNotAvailable("CanUndo"); return false; }
-bool KvRTB::GetCanUndoSpecial() { reportNotAvailable("GetCanUndoSpecial"); return false; }
-void KvRTB::Delete() { reportNotAvailable("Delete"); }
-void KvRTB::Copy() { reportNotAvailable("Copy"); }
-void KvRTB::Paste() { reportNotAvailable("Paste"); }
-void KvRTB::Cut() { reportNotAvailable("Cut"); }
-void KvRTB::Undo() { reportNotAvailable("Undo"); }
-void KvRTB::HyperUndo() { reportNotAvailable("HyperUndo"); }
-void KvRTB::EmptyRTBUndoRedoBuffer() { reportNotAvailable("EmptyRTBUndoRedoBuffer"); }
-void KvRTB::SaveSpecialUndoData() { reportNotAvailable("SaveSpecialUndoData"); }
-void KvRTB::SaveRegularUndoData() { reportNotAvailable("SaveRegularUndoData"); }
-void KvRTB::SaveDeleteUndoData() { reportNotAvailable("SaveDeleteUndoData"); }
-void KvRTB::SaveInLinkUndoData() { reportNotAvailable("SaveInLinkUndoData"); }
-
-// Hyperlinks: still to come.
-void KvRTB::HyperLinkDocument() { reportNotAvailable("HyperLinkDocument"); }
-void KvRTB::UnHyperLinkDocument() { reportNotAvailable("UnHyperLinkDocument"); }
-bool KvRTB::DetectEmailZone(int, QString &) { reportNotAvailable("DetectEmailZone"); return false; }
-bool KvRTB::DetectURLZone(int, QString &) { reportNotAvailable("DetectURLZone"); return false; }
-void KvRTB::HyperLinkSelected(int, int) { reportNotAvailable("HyperLinkSelected"); }
-void KvRTB::GoToWebsite(const QString &, QString *MyErrorData)
+// Hyperlinks.
+void KvRTB::HyperLinkDocument() { core().hyperlinks().HyperLinkDocument(); }
+void KvRTB::UnHyperLinkDocument() { core().hyperlinks().UnHyperLinkDocument(); }
+bool KvRTB::DetectEmailZone(int MyHitSpot, QString &ReturnMyEAddress)
 {
-    reportNotAvailable("GoToWebsite");
-    setIf(MyErrorData, QStringLiteral("Opening addresses is not available in this build yet."));
+    return core().hyperlinks().DetectEmailZone(MyHitSpot, &ReturnMyEAddress);
 }
-void KvRTB::GoToEmailClient(const QString &, QString *MyErrorData)
+bool KvRTB::DetectURLZone(int MyHitSpot, QString &ReturnMyURL)
 {
-    reportNotAvailable("GoToEmailClient");
-    setIf(MyErrorData, QStringLiteral("Opening addresses is not available in this build yet."));
+    return core().hyperlinks().DetectURLZone(MyHitSpot, &ReturnMyURL);
+}
+void KvRTB::HyperLinkSelected(int RTBSelStart, int RTBSelectedLength)
+{
+    core().hyperlinks().HyperLinkSelected(RTBSelStart, RTBSelectedLength);
+}
+void KvRTB::GoToWebsite(const QString &MyWebSite, QString *MyErrorData)
+{
+    core().hyperlinks().GoToWebsite(MyWebSite, MyErrorData);
+}
+void KvRTB::GoToEmailClient(const QString &MyEmail, QString *MyErrorData)
+{
+    core().hyperlinks().GoToEmailClient(MyEmail, MyErrorData);
 }
 
-// Keyword colouring: still to come.
-QVariant KvRTB::ApplyVB6Syntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyVB6Syntax"); return QVariant(); }
-QVariant KvRTB::ApplyVBNetSyntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyVBNetSyntax"); return QVariant(); }
-QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyMySyntax"); return QVariant(); }
-void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
-bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
-
-// Spelling: still to come.
-bool KvRTB::CanGetSpelling() { reportNotAvailable("CanGetSpelling"); return false; }
-bool KvRTB::DetectMisspellings(QStringList &) { reportNotAvailable("DetectMisspellings"); return false; }
-bool KvRTB::DetectNotWords(int) { reportNotAvailable("DetectNotWords"); return false; }
-void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
+// Thesaurus and word lists.
+bool KvRTB::GetWordsThatStartWith(QString &MyStartingLetters, QStringList &MyReturnArray, int ReturnLimit)
 {
-    reportNotAvailable("GetPossibleSpellingCorrections");
-    SCData.Suggestions.clear();
-    SCData.SuggestionsFound = false;
+    PlatformServices &services = core().services();
+    WordLists::CompletionHooks hooks;
+    hooks.hasPendingInput = [&services] { return services.hasPendingInput(); };
+    hooks.yieldToEventLoop = [&services] { services.processEvents(); };
+    return WordLists::GetWordsThatStartWith(MyStartingLetters, MyReturnArray, ReturnLimit, &hooks);
 }
-int KvRTB::SpellCheck(QStringList &) { reportNotAvailable("SpellCheck"); return -1; }
-void KvRTB::PrepNonSpellCheckRTB(const QStringList &) { reportNotAvailable("PrepNonSpellCheckRTB"); }
-int KvRTB::GoToNextSpellError() { reportNotAvailable("GoToNextSpellError"); return -1; }
-int KvRTB::GoToPreviousSpellError() { reportNotAvailable("GoToPreviousSpellError"); return -1; }
-int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
-void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
-int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
-void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
-
-// Thesaurus and word lists: still to come.
-bool KvRTB::GetWordsThatStartWith(QString &, QStringList &, int) { reportNotAvailable("GetWordsThatStartWith"); return false; }
-QString KvRTB::GetSynonyms(const QString &, QStringList &)
+QString KvRTB::GetSynonyms(const QString &MYWORD1, QStringList &ASynArray)
 {
-    reportNotAvailable("GetSynonyms");
-    return QStringLiteral("No synonyms found.");
+    return Thesaurus::GetSynonyms(MYWORD1, ASynArray);
 }
-bool KvRTB::CanGetSynonym() { reportNotAvailable("CanGetSynonym"); return false; }
-QString KvRTB::GetRandomWord() { reportNotAvailable("GetRandomWord"); return QString(); }
-void KvRTB::ShowRandomWord() { reportNotAvailable("ShowRandomWord"); }
-
-// Ruler: still to come.
-void KvRTB::DrawRuler() { reportNotAvailable("DrawRuler"); }
-void KvRTB::ClearRuler() { reportNotAvailable("ClearRuler"); }
-void KvRTB::SetRulerTabs() { reportNotAvailable("SetRulerTabs"); }
-void KvRTB::ShadeRuler() { reportNotAvailable("ShadeRuler"); }
-
-// Printing: still to come.
-int KvRTB::CommonDialogPrint(short *) { reportNotAvailable("CommonDialogPrint"); return 0; }
-void KvRTB::SelPrint(const QVariant &) { reportNotAvailable("SelPrint"); }
-bool KvRTB::PrinterInstalled() { reportNotAvailable("PrinterInstalled"); return false; }
-void KvRTB::ShowPrintPreview() { reportNotAvailable("ShowPrintPreview"); }
-
-// Find and replace: still to come.
-int KvRTB::Find2(const QString &, FindDirectionQ, FindOptionsQ, bool) { reportNotAvailable("Find2"); return -1; }
-bool KvRTB::FindVerify(const QString &, FindOptionsQ) { reportNotAvailable("FindVerify"); return false; }
-void KvRTB::ShowFindReplace() { reportNotAvailable("ShowFindReplace"); }
-void KvRTB::ExitFindRep() { reportNotAvailable("ExitFindRep"); }
-
-// Font and colour selection: still to come. The colour dialogs answer "cancelled" with the
-// colour they were given.
-void KvRTB::CommonDialogFontSelect(short *) { reportNotAvailable("CommonDialogFontSelect"); }
-void KvRTB::ShowFontSelect() { reportNotAvailable("ShowFontSelect"); }
-void KvRTB::SetDefaultFontMode() { reportNotAvailable("SetDefaultFontMode"); }
-void KvRTB::EndDefaultFontMode() { reportNotAvailable("EndDefaultFontMode"); }
-DEFUALT_FONT_DATA KvRTB::GetDefaultFontData() { reportNotAvailable("GetDefaultFontData"); return DEFUALT_FONT_DATA(); }
-void KvRTB::ShareDefaultFontData(const DEFUALT_FONT_DATA &) { reportNotAvailable("ShareDefaultFontData"); }
-uint KvRTB::CommonDialogColor(bool &UserCancelQ, bool, uint MyOrgigColor, short *)
-{
-    reportNotAvailable("CommonDialogColor");
-    UserCancelQ = true;
-    return MyOrgigColor;
-}
-uint KvRTB::CommonDialogFontColor(const QVariant &MyOrgigColor, short *)
-{
-    reportNotAvailable("CommonDialogFontColor");
-    return MyOrgigColor.toUInt();
-}
-uint KvRTB::CommonDialogSelFontColor(const QVariant &CurrentColor, short *)
-{
-    reportNotAvailable("CommonDialogSelFontColor");
-    return CurrentColor.toUInt();
-}
-uint KvRTB::CommonDialogSelColor(const QVariant &CurrentColor, short *)
-{
-    reportNotAvailable("CommonDialogSelColor");
-    return CurrentColor.toUInt();
-}
-
-// Word count: still to come.
-void KvRTB::ShowWordCount() { reportNotAvailable("ShowWordCount"); }
-
-// Help and sound: still to come.
-void KvRTB::PointToWhatsThisHelpFile() { reportNotAvailable("PointToWhatsThisHelpFile"); }
-QString KvRTB::GetHelpFile(bool) { reportNotAvailable("GetHelpFile"); return QString(); }
+bool KvRTB::CanGetSynonym() { return core().editCommands().CanGetSynonym(); }
+QString KvRTB::GetRandomWord() { return WordLists::GetRandomWord(); }
 
 } // namespace kvrtb

@@ -206,7 +206,10 @@ QString QtEditorSurface::text() const
 void QtEditorSurface::setText(const QString &text)
 {
     pauseBatch();
-    m_edit->setPlainText(normaliseLineEnds(text));
+    // The document's own setPlainText gives the text the default format; the editor's would
+    // carry over the format at the caret (text set after bold RTF would come out bold).
+    document()->setPlainText(normaliseLineEnds(text));
+    m_edit->setTextCursor(QTextCursor(document()));
     resumeBatch();
     m_lastWasUndo = false;
     m_modified = true;

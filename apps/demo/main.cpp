@@ -6,12 +6,9 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFile>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QTimer>
 
 #include <cstdio>
@@ -23,9 +20,8 @@ const char *const kSample =
     "An embeddable rich-text editing control: RTF and plain-text documents, a built-in US-English "
     "dictionary, automatic web and e-mail links, keyword colouring, find and replace and its own "
     "undo.\n"
-    "Type here, select text, and use File > Open and File > Save for RTF and text files.\n";
-
-const QString kFilter = QStringLiteral("Rich Text Format (*.rtf);;Text (*.txt);;All files (*)");
+    "Type here, select text, and use File > Open and File > Save As for RTF and text files. "
+    "Edit > Mark Links turns addresses such as www.example.com or someone@example.com into links.\n";
 
 /// The demo's window: the control fills it; the File menu opens and saves documents.
 class DemoWindow : public QMainWindow {
@@ -37,6 +33,7 @@ public:
         m_editor->setObjectName(QStringLiteral("KvRTB1"));
         m_editor->initProperties();
         m_editor->setDisplayRuler(false); // no ruler in this build yet
+        m_editor->setAllowRTFSave(true);  // offer RTF beside text in the save dialog
         setCentralWidget(m_editor);
 
         QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
@@ -44,6 +41,19 @@ public:
         file->addAction(QStringLiteral("&Save As..."), QKeySequence::Save, this, [this] { save(); });
         file->addSeparator();
         file->addAction(QStringLiteral("E&xit"), QKeySequence::Quit, this, [this] { close(); });
+
+        QMenu *edit = menuBar()->addMenu(QStringLiteral("&Edit"));
+        edit->addAction(QStringLiteral("&Undo Last Pass"), this, [this] { m_editor->HyperUndo(); });
+        edit->addAction(QStringLiteral("Select &All"), this, [this] { m_editor->SelectAllText(); });
+        edit->addSeparator();
+        edit->addAction(QStringLiteral("Mark &Links"), this, [this] { m_editor->HyperLinkDocument(); });
+        edit->addAction(QStringLiteral("&Highlight"), this, [this] { m_editor->HighLightText(0xFFFF); });
+        edit->addAction(QStringLiteral("&Center"), this, [this] {
+            bool apply = true;
+            m_editor->AlignCenter(apply);
+        });
+        edit->addAction(QStringLiteral("&Numbered List"), this, [this] { m_editor->ListStyle(kvrtb::ListNumberQ); });
+        edit->addAction(QStringLiteral("&Title Case"), this, [this] { m_editor->TovrinTitleCase(); });
 
         showSample();
     }
@@ -61,57 +71,31 @@ private:
         kvrtb::ParaFormat centred;
         centred.alignment = kvrtb::ParaAlignment::Center;
         m_editor->RichTextBox1().setSelectionParaFormat(centred);
+        m_editor->HyperLinkDocument();
         m_editor->setSelStart(0);
         bool unchanged = false;
         m_editor->SetRTBChanged(&unchanged);
     }
 
+    // The control's own file dialogs and document handling: the open dialog loads the chosen
+    // file (RTF, text with links, or a control document), the save dialog writes it and asks
+    // before formatting would be lost.
     void open()
     {
-        const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Open"), QString(), kFilter);
-        if (path.isEmpty())
-            return;
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly)) {
-            QMessageBox::warning(this, QStringLiteral("Open"),
-                                 QStringLiteral("Could not open %1: %2").arg(path, file.errorString()));
-            return;
-        }
-        const QByteArray bytes = file.readAll();
-        if (bytes.trimmed().startsWith("{\\rtf")) {
-            QString error;
-            if (!m_editor->RichTextBox1().setRtf(QString::fromLatin1(bytes), &error)) {
-                QMessageBox::warning(this, QStringLiteral("Open"),
-                                     QStringLiteral("%1 could not be read as RTF: %2").arg(path, error));
-                return;
-            }
-        } else {
-            m_editor->setText(QString::fromUtf8(bytes));
-        }
-        bool unchanged = false;
-        m_editor->SetRTBChanged(&unchanged);
-        setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
+        bool opened = false;
+        bool links = true;
+        const QString path = m_editor->CommonDialogFileOpen(nullptr, nullptr, &links, nullptr, nullptr, nullptr, &opened);
+        if (opened)
+            setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
     }
 
     void save()
     {
-        QString selected;
-        const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Save As"), QString(), kFilter, &selected);
-        if (path.isEmpty())
-            return;
-        const bool asText = path.endsWith(QStringLiteral(".txt"), Qt::CaseInsensitive) ||
-                            selected.startsWith(QStringLiteral("Text"));
-        // The RTF string holds one byte per character; text is written as UTF-8.
-        const QByteArray bytes = asText ? m_editor->GetTextString().toUtf8() : m_editor->GetRTFString().toLatin1();
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(bytes) != bytes.size()) {
-            QMessageBox::warning(this, QStringLiteral("Save As"),
-                                 QStringLiteral("Could not save %1: %2").arg(path, file.errorString()));
-            return;
-        }
-        bool unchanged = false;
-        m_editor->SetRTBChanged(&unchanged);
-        setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
+        bool saved = false;
+        const QString path = m_editor->CommonDialogFileSave(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                                            nullptr, nullptr, &saved);
+        if (saved)
+            setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
     }
 
     kvrtb::KvRTB *m_editor = nullptr;

@@ -583,6 +583,7 @@ private slots:
         QCOMPARE(int(error), FileError::DialogCancelled);
         QCOMPARE(c.services.fileDialogRequests.first().filterIndex, 3);
         QCOMPARE(c.services.fileDialogRequests.first().filter, Documents::threeRowFilter());
+        QVERIFY(c.services.fileDialogRequests.first().fileMustExist);
 
         // A text file by index 3, links as asked.
         const QString text = path(QStringLiteral("open.txt"));

@@ -31,6 +31,7 @@ struct FileDialogRequest {
     QString filter;
     int filterIndex = 1;
     bool promptOverwrite = true; ///< save dialogs: ask before replacing an existing file
+    bool fileMustExist = false;  ///< open dialogs: only an existing file may be chosen
 };
 
 struct FileDialogResult {

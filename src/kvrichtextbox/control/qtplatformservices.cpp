@@ -106,7 +106,8 @@ FileDialogResult QtPlatformServices::fileDialog(const FileDialogRequest &request
 {
     QFileDialog dialog(m_parent, request.title, request.directory);
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    // Qt's dialogs never offer a read-only box, so only the existing-file rule needs passing on.
+    dialog.setFileMode(save || !request.fileMustExist ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (save && !request.promptOverwrite)
         dialog.setOption(QFileDialog::DontConfirmOverwrite);
     const QStringList filters = qtFilters(request.filter);

@@ -295,6 +295,7 @@ QString Documents::CommonDialogFileOpen(QString *DefaultDirectory, QString *Cust
     if (Title)
         request.title = *Title;
     request.promptOverwrite = false;
+    request.fileMustExist = true;
 
     const FileDialogResult chosen = m_core.services().openFileDialog(request);
     if (!chosen.accepted) {

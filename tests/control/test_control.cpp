@@ -161,8 +161,8 @@ private:
 void TestControl::propertyTableMatchesTheInterface()
 {
     QStringList keys;
-    for (const PropertySpec &spec : propertyTable())
-        keys << QLatin1String(spec.key);
+    for (const PropertySpec &entry : propertyTable())
+        keys << QLatin1String(entry.key);
     QCOMPARE(keys, kKeysInOrder);
 
     // Every key is a designable property of the control with the same name.
@@ -186,15 +186,15 @@ void TestControl::emptyBagGivesTheDefaults()
     const PropertyPassResult result = control.readProperties(empty);
     QVERIFY2(result.ok, qPrintable(result.error));
 
-    for (const PropertySpec &spec : propertyTable()) {
-        const QVariant value = control.property(spec.key);
-        if (spec.type == PropertyType::Font)
+    for (const PropertySpec &entry : propertyTable()) {
+        const QVariant value = control.property(entry.key);
+        if (entry.type == PropertyType::Font)
             QCOMPARE(value.value<QFont>(), editorFont);
-        else if (spec.type == PropertyType::Picture)
-            QVERIFY2(value.value<QPixmap>().isNull(), spec.key);
+        else if (entry.type == PropertyType::Picture)
+            QVERIFY2(value.value<QPixmap>().isNull(), entry.key);
         else
-            QVERIFY2(PropertyBag::isDefault(value, spec.defaultValue),
-                     qPrintable(QStringLiteral("%1 is %2").arg(QLatin1String(spec.key), value.toString())));
+            QVERIFY2(PropertyBag::isDefault(value, entry.defaultValue),
+                     qPrintable(QStringLiteral("%1 is %2").arg(QLatin1String(entry.key), value.toString())));
     }
     QCOMPARE(control.Text(), QString());
     QCOMPARE(control.TextRTF(), QString());
@@ -329,13 +329,13 @@ void TestControl::narrowColoursKeepTheirType()
     QCOMPARE(restored.property(key.toLatin1().constData()).toUInt(), colour);
 
     // The default of the narrow ones is a 16-bit zero.
-    const PropertySpec *spec = findProperty(key);
-    QVERIFY(spec);
-    if (spec->type == PropertyType::Colour16) {
-        QCOMPARE(storedDefault(*spec).metaType().id(), int(QMetaType::Short));
-        QCOMPARE(storedDefault(*spec).toInt(), 0);
+    const PropertySpec *entry = findProperty(key);
+    QVERIFY(entry);
+    if (entry->type == PropertyType::Colour16) {
+        QCOMPARE(storedDefault(*entry).metaType().id(), int(QMetaType::Short));
+        QCOMPARE(storedDefault(*entry).toInt(), 0);
     } else {
-        QCOMPARE(storedDefault(*spec).metaType().id(), int(QMetaType::UInt));
+        QCOMPARE(storedDefault(*entry).metaType().id(), int(QMetaType::UInt));
     }
 }
 
@@ -344,14 +344,14 @@ void TestControl::everySetterNotifiesTheHost()
     const QSet<QString> mirroredByMenus = {"AllowImages", "RemoveUnUsableData", "DetectHyperLinks",
                                            "ShowVB6Syntax", "MyWrapStyle", "DisplayRuler"};
     KvRTB control(m_services);
-    for (const PropertySpec &spec : propertyTable()) {
+    for (const PropertySpec &entry : propertyTable()) {
         QSignalSpy changed(&control, &KvRTB::PropertyChanged);
         QSignalSpy menu(&control, &KvRTB::UpdateParentMenu);
         // The value does not change: the host is told all the same.
-        QVERIFY2(control.setProperty(spec.key, control.property(spec.key)), spec.key);
+        QVERIFY2(control.setProperty(entry.key, control.property(entry.key)), entry.key);
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(changed.at(0).at(0).toString(), QLatin1String(spec.key));
-        QCOMPARE(menu.count(), mirroredByMenus.contains(QLatin1String(spec.key)) ? 1 : 0);
+        QCOMPARE(changed.at(0).at(0).toString(), QLatin1String(entry.key));
+        QCOMPARE(menu.count(), mirroredByMenus.contains(QLatin1String(entry.key)) ? 1 : 0);
     }
     // DetectHyperLinks reaches the per-thread flag that typing consults.
     control.setDetectHyperLinks(false);
@@ -427,16 +427,16 @@ void TestControl::settingsBagRoundTrip()
         else
             QVERIFY2(result.ok, qPrintable(result.error));
     }
-    for (const PropertySpec &spec : propertyTable()) {
-        const QVariant before = original.property(spec.key);
-        const QVariant after = restored.property(spec.key);
-        if (spec.type == PropertyType::Picture)
+    for (const PropertySpec &entry : propertyTable()) {
+        const QVariant before = original.property(entry.key);
+        const QVariant after = restored.property(entry.key);
+        if (entry.type == PropertyType::Picture)
             QCOMPARE(after.value<QPixmap>().toImage(), before.value<QPixmap>().toImage());
-        else if (spec.type == PropertyType::String && QLatin1String(spec.key) == QLatin1String("TextRTF"))
+        else if (entry.type == PropertyType::String && QLatin1String(entry.key) == QLatin1String("TextRTF"))
             continue; // compared through Text: the writer may word the same document differently
         else
             QVERIFY2(after == before, qPrintable(QStringLiteral("%1: %2 became %3")
-                                                     .arg(QLatin1String(spec.key), before.toString(), after.toString())));
+                                                     .arg(QLatin1String(entry.key), before.toString(), after.toString())));
     }
 }
 

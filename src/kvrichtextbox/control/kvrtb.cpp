@@ -153,28 +153,28 @@ PropertyTarget KvRTB::propertyTarget() const
 
 QVariant KvRTB::propertyValue(const char *key) const
 {
-    const PropertySpec *spec = findProperty(QLatin1String(key));
-    return spec ? spec->get(propertyTarget()) : QVariant();
+    const PropertySpec *entry = findProperty(QLatin1String(key));
+    return entry ? entry->get(propertyTarget()) : QVariant();
 }
 
 void KvRTB::setPropertyValue(const char *key, const QVariant &value)
 {
-    const PropertySpec *spec = findProperty(QLatin1String(key));
-    if (!spec)
+    const PropertySpec *entry = findProperty(QLatin1String(key));
+    if (!entry)
         return;
     QVariant applied = value;
     // The bag keeps 16-bit values: a wider one is brought into range rather than cut.
-    if (spec->type == PropertyType::Int16)
+    if (entry->type == PropertyType::Int16)
         applied = std::clamp(value.toInt(), int(std::numeric_limits<qint16>::min()),
                              int(std::numeric_limits<qint16>::max()));
     PropertyTarget target = propertyTarget();
     QString error;
-    if (!spec->set(target, applied, &error))
+    if (!entry->set(target, applied, &error))
         qWarning("KvRTB: %s", qPrintable(error));
-    emit PropertyChanged(QLatin1String(spec->key));
-    if (spec->updatesParentMenu)
+    emit PropertyChanged(QLatin1String(entry->key));
+    if (entry->updatesParentMenu)
         emit UpdateParentMenu();
-    if (qstrcmp(spec->key, "DisplayRuler") == 0)
+    if (qstrcmp(entry->key, "DisplayRuler") == 0)
         layoutChildren();
 }
 

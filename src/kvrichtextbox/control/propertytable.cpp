@@ -239,11 +239,11 @@ bool integerFrom(const QVariant &stored, qint64 *out)
     return false;
 }
 
-bool fail(QString *error, const PropertySpec &spec, const QVariant &stored, const char *kind)
+bool fail(QString *error, const PropertySpec &entry, const QVariant &stored, const char *kind)
 {
     if (error)
         *error = QStringLiteral("The stored value of %1 (%2) is not %3.")
-                     .arg(QLatin1String(spec.key), describe(stored), QLatin1String(kind));
+                     .arg(QLatin1String(entry.key), describe(stored), QLatin1String(kind));
     return false;
 }
 
@@ -257,16 +257,16 @@ const QList<PropertySpec> &propertyTable()
 
 const PropertySpec *findProperty(const QString &key)
 {
-    for (const PropertySpec &spec : propertyTable()) {
-        if (key == QLatin1String(spec.key))
-            return &spec;
+    for (const PropertySpec &entry : propertyTable()) {
+        if (key == QLatin1String(entry.key))
+            return &entry;
     }
     return nullptr;
 }
 
-QVariant storedValue(const PropertySpec &spec, const QVariant &value)
+QVariant storedValue(const PropertySpec &entry, const QVariant &value)
 {
-    switch (spec.type) {
+    switch (entry.type) {
     case PropertyType::Boolean:
         return QVariant(value.toBool());
     case PropertyType::Int16:
@@ -290,23 +290,23 @@ QVariant storedValue(const PropertySpec &spec, const QVariant &value)
     return value;
 }
 
-QVariant storedDefault(const PropertySpec &spec)
+QVariant storedDefault(const PropertySpec &entry)
 {
-    return spec.defaultValue.isValid() ? storedValue(spec, spec.defaultValue) : QVariant();
+    return entry.defaultValue.isValid() ? storedValue(entry, entry.defaultValue) : QVariant();
 }
 
-bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant *value, QString *error)
+bool valueFromStored(const PropertySpec &entry, const QVariant &stored, QVariant *value, QString *error)
 {
     if (!stored.isValid()) {
         // Only the object properties have "none" as a value.
-        if (spec.type == PropertyType::Font || spec.type == PropertyType::Picture) {
+        if (entry.type == PropertyType::Font || entry.type == PropertyType::Picture) {
             *value = QVariant();
             return true;
         }
-        return fail(error, spec, stored, "a value");
+        return fail(error, entry, stored, "a value");
     }
     qint64 number = 0;
-    switch (spec.type) {
+    switch (entry.type) {
     case PropertyType::Boolean: {
         if (stored.metaType().id() == QMetaType::Bool) {
             *value = stored.toBool();
@@ -318,20 +318,20 @@ bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant 
             return true;
         }
         if (!integerFrom(stored, &number) || (number != 0 && number != -1 && number != 1))
-            return fail(error, spec, stored, "a Boolean");
+            return fail(error, entry, stored, "a Boolean");
         *value = number != 0;
         return true;
     }
     case PropertyType::Int16:
         if (!integerFrom(stored, &number) || number < std::numeric_limits<qint16>::min() ||
             number > std::numeric_limits<qint16>::max())
-            return fail(error, spec, stored, "a 16-bit integer");
+            return fail(error, entry, stored, "a 16-bit integer");
         *value = int(number);
         return true;
     case PropertyType::Int32:
         if (!integerFrom(stored, &number) || number < std::numeric_limits<qint32>::min() ||
             number > std::numeric_limits<qint32>::max())
-            return fail(error, spec, stored, "a 32-bit integer");
+            return fail(error, entry, stored, "a 32-bit integer");
         *value = int(number);
         return true;
     case PropertyType::Colour32:
@@ -340,7 +340,7 @@ bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant 
         // same bits; a narrow value is sign-extended like the host's 16-bit integers.
         if (!integerFrom(stored, &number) || number < std::numeric_limits<qint32>::min() ||
             number > qint64(std::numeric_limits<quint32>::max()))
-            return fail(error, spec, stored, "a colour");
+            return fail(error, entry, stored, "a colour");
         *value = uint(quint32(number));
         return true;
     case PropertyType::String:
@@ -350,7 +350,7 @@ bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant 
             return true;
         }
         if (stored.metaType().id() != QMetaType::QString && stored.metaType().id() != QMetaType::QByteArray)
-            return fail(error, spec, stored, "a string");
+            return fail(error, entry, stored, "a string");
         *value = stored.toString();
         return true;
     case PropertyType::Font: {
@@ -360,7 +360,7 @@ bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant 
         }
         QFont font;
         if (stored.metaType().id() != QMetaType::QString || !font.fromString(stored.toString()))
-            return fail(error, spec, stored, "a font");
+            return fail(error, entry, stored, "a font");
         *value = font;
         return true;
     }
@@ -373,33 +373,33 @@ bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant 
         else if (stored.metaType().id() == QMetaType::QByteArray)
             picture.loadFromData(stored.toByteArray());
         if (picture.isNull())
-            return fail(error, spec, stored, "a picture");
+            return fail(error, entry, stored, "a picture");
         *value = picture;
         return true;
     }
     }
-    return fail(error, spec, stored, "a value");
+    return fail(error, entry, stored, "a value");
 }
 
 void initProperties(PropertyTarget &target)
 {
-    for (const PropertySpec &spec : propertyTable())
-        spec.set(target, spec.defaultValue, nullptr);
+    for (const PropertySpec &entry : propertyTable())
+        entry.set(target, entry.defaultValue, nullptr);
 }
 
 PropertyPassResult readProperties(PropertyTarget &target, PropertyBag &bag)
 {
     PropertyPassResult result;
-    for (const PropertySpec &spec : propertyTable()) {
-        const QString key = QLatin1String(spec.key);
+    for (const PropertySpec &entry : propertyTable()) {
+        const QString key = QLatin1String(entry.key);
         QVariant stored;
         QString error;
-        if (!bag.readProperty(key, storedDefault(spec), &stored, &error))
+        if (!bag.readProperty(key, storedDefault(entry), &stored, &error))
             return {false, error};
         QVariant value;
-        if (!valueFromStored(spec, stored, &value, &error))
+        if (!valueFromStored(entry, stored, &value, &error))
             return {false, error};
-        if (!spec.set(target, value, &error))
+        if (!entry.set(target, value, &error))
             result = {false, error};
     }
     return result;
@@ -407,11 +407,11 @@ PropertyPassResult readProperties(PropertyTarget &target, PropertyBag &bag)
 
 PropertyPassResult writeProperties(const PropertyTarget &target, PropertyBag &bag)
 {
-    for (const PropertySpec &spec : propertyTable()) {
-        const QVariant value = spec.get(target);
+    for (const PropertySpec &entry : propertyTable()) {
+        const QVariant value = entry.get(target);
         QString error;
-        if (!bag.writeProperty(QLatin1String(spec.key), value.isValid() ? storedValue(spec, value) : QVariant(),
-                               storedDefault(spec), &error))
+        if (!bag.writeProperty(QLatin1String(entry.key), value.isValid() ? storedValue(entry, value) : QVariant(),
+                               storedDefault(entry), &error))
             return {false, error};
     }
     return {};

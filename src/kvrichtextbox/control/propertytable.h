@@ -70,13 +70,13 @@ const PropertySpec *findProperty(const QString &key);
 /// The two colours whose default is a 16-bit zero (`ColorVB6String`, `ColorMyThirdKeyWord`)
 /// keep that narrow type whenever the value fits in it (0 to 0x7FFF); a colour beyond that is
 /// stored as 32 bits, since a narrower store would lose it. The other colours are always 32-bit.
-QVariant storedValue(const PropertySpec &spec, const QVariant &value);
+QVariant storedValue(const PropertySpec &entry, const QVariant &value);
 /// The default in the form the bag keeps (a 16-bit zero for the two narrow colours).
-QVariant storedDefault(const PropertySpec &spec);
+QVariant storedDefault(const PropertySpec &entry);
 /// Converts what a bag gave back to the property's own type. Numbers may come as any integer
 /// type or as text (text-based settings files); a value that is not of the row's kind, or does
 /// not fit, fails with a reason naming the key.
-bool valueFromStored(const PropertySpec &spec, const QVariant &stored, QVariant *value, QString *error);
+bool valueFromStored(const PropertySpec &entry, const QVariant &stored, QVariant *value, QString *error);
 
 /// Result of a read or write pass: on failure, the reason; keys handled before it stay handled.
 struct PropertyPassResult {

@@ -1,6 +1,7 @@
 // Loading and saving documents, the file dialogs, the enciphered-file test and the clean-up
 // passes, on the real surface under the offscreen platform with scripted dialogs.
 
+#include "corefixture.h"
 #include "control/controlcore.h"
 #include "control/controlevents.h"
 #include "control/recordingplatformservices.h"
@@ -29,21 +30,8 @@ using namespace kvrtb;
 
 namespace {
 
-class RecordingEvents : public ControlEvents {
-public:
-    QStringList names;
-    void begin() override { names << QStringLiteral("Begin"); }
-    void finish() override { names << QStringLiteral("Finish"); }
-    void ready() override { names << QStringLiteral("Ready"); }
-};
-
-struct Control {
-    RecordingPlatformServices services;
-    RecordingEvents events;
-    ControlCore core{nullptr, services, events};
-    EditorSurface &surface() { return core.surface(); }
+struct Control : test::CoreFixture {
     Documents &docs() { return core.documents(); }
-    QList<RecordingPlatformServices::Call> boxes() const { return services.callsOf(QStringLiteral("messageBox")); }
 };
 
 const QString kCrLf = QStringLiteral("\r\n");

@@ -1,6 +1,7 @@
 // Lines and case, the control's own undo and the edit commands, on the real surface under the
 // offscreen platform.
 
+#include "corefixture.h"
 #include "control/controlcore.h"
 #include "control/controlevents.h"
 #include "control/kvrtbtypes.h"
@@ -19,30 +20,10 @@ using namespace kvrtb;
 
 namespace {
 
-class RecordingEvents : public ControlEvents {
-public:
-    QStringList names;
-    void begin() override { names << QStringLiteral("Begin"); }
-    void finish() override { names << QStringLiteral("Finish"); }
-    void ready() override { names << QStringLiteral("Ready"); }
-};
-
-struct Control {
-    RecordingPlatformServices services;
-    RecordingEvents events;
-    ControlCore core{nullptr, services, events};
-    EditorSurface &surface() { return core.surface(); }
+struct Control : test::CoreFixture {
     LinesAndCase &lines() { return core.linesAndCase(); }
     SpecialUndo &undo() { return core.specialUndo(); }
     EditCommands &edit() { return core.editCommands(); }
-
-    /// Shows the editor at a fixed size, for what depends on lines and scrolling.
-    void show(int width = 400, int height = 200)
-    {
-        surface().widget()->resize(width, height);
-        surface().widget()->show();
-        QVERIFY(QTest::qWaitForWindowExposed(surface().widget()));
-    }
 };
 
 /// True when the surface reads back the RTF it writes (the snapshot undo depends on it).

@@ -1,6 +1,7 @@
 // Address patterns, link marking, hit tests and the linking pass while typing, on the real
 // surface under the offscreen platform.
 
+#include "corefixture.h"
 #include "control/controlcore.h"
 #include "control/controlevents.h"
 #include "control/recordingplatformservices.h"
@@ -16,21 +17,7 @@ using namespace kvrtb;
 
 namespace {
 
-class RecordingEvents : public ControlEvents {
-public:
-    QStringList names;
-    void begin() override { names << QStringLiteral("Begin"); }
-    void finish() override { names << QStringLiteral("Finish"); }
-    void ready() override { names << QStringLiteral("Ready"); }
-    void updateParentMenu() override { names << QStringLiteral("UpdateParentMenu"); }
-    void propertyChanged(const QString &key) override { names << QStringLiteral("Changed:") + key; }
-};
-
-struct Control {
-    RecordingPlatformServices services;
-    RecordingEvents events;
-    ControlCore core{nullptr, services, events};
-    EditorSurface &surface() { return core.surface(); }
+struct Control : test::CoreFixture {
     Hyperlinks &links() { return core.hyperlinks(); }
 };
 

@@ -8,18 +8,12 @@ MessageAnswer ConsoleServices::messageBox(const QString &text, MessageButtons bu
                                           const QString &title)
 {
     printErr(QStringLiteral("%1: %2\n").arg(title, QString(text).replace(QStringLiteral("\r\n"), QStringLiteral(" "))));
-    switch (buttons) {
-    case MessageButtons::AbortRetryIgnore: return MessageAnswer::Abort;
-    case MessageButtons::YesNoCancel:
-    case MessageButtons::YesNo:
-        printErr(QStringLiteral("%1: answered %2\n")
-                     .arg(title, questionAnswer == MessageAnswer::No ? QStringLiteral("No") : QStringLiteral("Yes")));
-        return questionAnswer == MessageAnswer::No ? MessageAnswer::No : MessageAnswer::Yes;
-    case MessageButtons::RetryCancel: return MessageAnswer::Retry;
-    case MessageButtons::OK:
-    case MessageButtons::OKCancel: break;
-    }
-    return MessageAnswer::OK;
+    if (buttons != MessageButtons::YesNo && buttons != MessageButtons::YesNoCancel)
+        return firstAnswerOf(buttons);
+    // Questions take the answer given on the command line (--yes / --no).
+    const bool no = questionAnswer == MessageAnswer::No;
+    printErr(QStringLiteral("%1: answered %2\n").arg(title, no ? QStringLiteral("No") : QStringLiteral("Yes")));
+    return no ? MessageAnswer::No : MessageAnswer::Yes;
 }
 
 FileDialogResult ConsoleServices::openFileDialog(const FileDialogRequest &)

@@ -20,6 +20,20 @@ enum class MessageButtons { OK = 0, OKCancel = 1, AbortRetryIgnore = 2, YesNoCan
 /// The button the user chose, with the values of the host's constants.
 enum class MessageAnswer { OK = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
 
+/// The answer of a box that is not asked: its first button (OK, Abort, Yes or Retry).
+inline MessageAnswer firstAnswerOf(MessageButtons buttons)
+{
+    switch (buttons) {
+    case MessageButtons::AbortRetryIgnore: return MessageAnswer::Abort;
+    case MessageButtons::YesNoCancel:
+    case MessageButtons::YesNo: return MessageAnswer::Yes;
+    case MessageButtons::RetryCancel: return MessageAnswer::Retry;
+    case MessageButtons::OK:
+    case MessageButtons::OKCancel: break;
+    }
+    return MessageAnswer::OK;
+}
+
 /// \brief A file dialog as the control asks for it.
 ///
 /// `filter` is in the control's own form, description and pattern pairs separated by "|"

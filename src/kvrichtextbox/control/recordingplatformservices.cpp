@@ -16,17 +16,7 @@ MessageAnswer RecordingPlatformServices::messageBox(const QString &text, Message
                                                     MessageIcon icon, const QString &title)
 {
     calls.append({QStringLiteral("messageBox"), title, text, int(buttons), int(icon)});
-    if (!messageAnswers.isEmpty())
-        return messageAnswers.takeFirst();
-    switch (buttons) {
-    case MessageButtons::AbortRetryIgnore: return MessageAnswer::Abort;
-    case MessageButtons::YesNoCancel:
-    case MessageButtons::YesNo: return MessageAnswer::Yes;
-    case MessageButtons::RetryCancel: return MessageAnswer::Retry;
-    case MessageButtons::OK:
-    case MessageButtons::OKCancel: break;
-    }
-    return MessageAnswer::OK;
+    return messageAnswers.isEmpty() ? firstAnswerOf(buttons) : messageAnswers.takeFirst();
 }
 
 FileDialogResult RecordingPlatformServices::fileDialog(const QString &service, const FileDialogRequest &request)

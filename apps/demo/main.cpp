@@ -73,8 +73,7 @@ private:
         m_editor->RichTextBox1().setSelectionParaFormat(centred);
         m_editor->HyperLinkDocument();
         m_editor->setSelStart(0);
-        bool unchanged = false;
-        m_editor->SetRTBChanged(&unchanged);
+        m_editor->SetRTBChanged(false);
     }
 
     // The control's own file dialogs and document handling: the open dialog loads the chosen

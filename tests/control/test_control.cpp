@@ -148,6 +148,8 @@ private slots:
     void handlersChangeByReferenceArguments();
     void mouseEventsCarryTwips();
     void selectionPassThrough();
+    void mixedSelectionReadsNullByName_data();
+    void mixedSelectionReadsNullByName();
     void byNameInvocation();
     void progressAndQuietSelection();
     void wordWrapSetsMyWrapStyle();
@@ -625,6 +627,55 @@ void TestControl::selectionPassThrough()
     QCOMPARE(control.SelStart(), 5);
 }
 
+void TestControl::mixedSelectionReadsNullByName_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("paragraph");
+    // Values as a host passes them: -1 for True, plain integers for colours and sizes.
+    QTest::newRow("SelBold") << QByteArray("SelBold") << QVariant(-1) << false;
+    QTest::newRow("SelItalic") << QByteArray("SelItalic") << QVariant(-1) << false;
+    QTest::newRow("SelUnderline") << QByteArray("SelUnderline") << QVariant(-1) << false;
+    QTest::newRow("SelStrikeThru") << QByteArray("SelStrikeThru") << QVariant(-1) << false;
+    QTest::newRow("SelProtected") << QByteArray("SelProtected") << QVariant(-1) << false;
+    QTest::newRow("SelColor") << QByteArray("SelColor") << QVariant(255) << false;
+    QTest::newRow("SelFontName") << QByteArray("SelFontName") << QVariant(QStringLiteral("Courier New")) << false;
+    QTest::newRow("SelFontSize") << QByteArray("SelFontSize") << QVariant(20) << false;
+    QTest::newRow("SelCharOffset") << QByteArray("SelCharOffset") << QVariant(60) << false;
+    QTest::newRow("SelBullet") << QByteArray("SelBullet") << QVariant(-1) << true;
+    QTest::newRow("SelIndent") << QByteArray("SelIndent") << QVariant(720) << true;
+    QTest::newRow("SelHangingIndent") << QByteArray("SelHangingIndent") << QVariant(360) << true;
+    QTest::newRow("SelRightIndent") << QByteArray("SelRightIndent") << QVariant(500) << true;
+    QTest::newRow("SelTabCount") << QByteArray("SelTabCount") << QVariant(2) << true;
+}
+
+void TestControl::mixedSelectionReadsNullByName()
+{
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, value);
+    QFETCH(bool, paragraph);
+    KvRTB control(m_services);
+    control.setProperty("Text", QStringLiteral("one two\nthree four"));
+    // The second word (or the second paragraph) gets the attribute.
+    QVERIFY(control.setProperty("SelStart", paragraph ? 8 : 4));
+    QVERIFY(control.setProperty("SelLength", paragraph ? 10 : 3));
+    QVERIFY(control.setProperty(property.constData(), value));
+    const QVariant applied = control.property(property.constData());
+    QVERIFY2(applied.isValid(), "the attribute reads back where it is uniform");
+
+    // Across both parts it is mixed: the host reads null, not a default value.
+    QVERIFY(control.setProperty("SelStart", 0));
+    QVERIFY(control.setProperty("SelLength", 18));
+    QVERIFY2(!control.property(property.constData()).isValid(),
+             qPrintable(control.property(property.constData()).toString()));
+    // Writing null back leaves the mixed attribute as it is.
+    QVERIFY(control.setProperty(property.constData(), QVariant()));
+    QVERIFY(!control.property(property.constData()).isValid());
+    control.setProperty("SelStart", paragraph ? 8 : 4);
+    control.setProperty("SelLength", paragraph ? 10 : 3);
+    QCOMPARE(control.property(property.constData()), applied);
+}
+
 void TestControl::byNameInvocation()
 {
     KvRTB control(m_services);
@@ -657,8 +708,15 @@ void TestControl::byNameInvocation()
     QVERIFY(control.HasRTBChanged());
     QVERIFY(QMetaObject::invokeMethod(&control, "SetRTBChanged"));
     QVERIFY(!control.HasRTBChanged());
-    const bool changed = true;
-    control.SetRTBChanged(&changed);
+    // A host marks the document changed by name with its True.
+    QVERIFY(QMetaObject::invokeMethod(&control, "SetRTBChanged", Q_ARG(bool, QVariant(-1).toBool())));
+    QVERIFY(control.HasRTBChanged());
+    QVERIFY(QMetaObject::invokeMethod(&control, "SetRTBChanged", Q_ARG(bool, false)));
+    QVERIFY(!control.HasRTBChanged());
+    bool result = true;
+    QVERIFY(QMetaObject::invokeMethod(&control, "HasRTBChanged", Q_RETURN_ARG(bool, result)));
+    QVERIFY(!result);
+    control.SetRTBChanged(true);
     QVERIFY(control.HasRTBChanged());
 
     QCOMPARE(control.property("hwnd").toULongLong(), qulonglong(control.RichTextBox1().windowHandle()));
@@ -696,16 +754,32 @@ void TestControl::wordWrapSetsMyWrapStyle()
 {
     KvRTB control(m_services);
     QSignalSpy menu(&control, &KvRTB::UpdateParentMenu);
+    QStringList order;
+    connect(&control, &KvRTB::UpdateParentMenu, this, [&order] { order << QStringLiteral("menu"); });
+    connect(&control, &KvRTB::Finish, this, [&order] { order << QStringLiteral("finish"); });
+    connect(&control, &KvRTB::Ready, this, [&order] { order << QStringLiteral("ready"); });
     control.Word_Wrap(false);
     QCOMPARE(control.RichTextBox1().wrapMode(), WrapMode::None);
     QCOMPARE(control.MyWrapStyle(), int(NoWrap));
     control.Word_Wrap(true);
     QCOMPARE(control.RichTextBox1().wrapMode(), WrapMode::Window);
     QCOMPARE(control.MyWrapStyle(), int(WindowWrap));
-    const bool atRuler = true;
-    control.Word_Wrap(true, &atRuler);
+    control.Word_Wrap(true, true);
     QCOMPARE(control.MyWrapStyle(), int(RulerWrap));
     QCOMPARE(menu.count(), 3);
+    // The command ends like the other short commands: Finish, then Ready.
+    QCOMPARE(order.mid(0, 3), (QStringList{QStringLiteral("menu"), QStringLiteral("finish"), QStringLiteral("ready")}));
+    QCOMPARE(order.size(), 9);
+
+    // By name, with the switches a host passes (-1 for True), the ruler switch included.
+    control.setRightMargin(2880);
+    QVERIFY(QMetaObject::invokeMethod(&control, "Word_Wrap", Q_ARG(bool, QVariant(-1).toBool()),
+                                      Q_ARG(bool, QVariant(-1).toBool())));
+    QCOMPARE(control.RichTextBox1().wrapMode(), WrapMode::Width);
+    QCOMPARE(control.MyWrapStyle(), int(RulerWrap));
+    QVERIFY(QMetaObject::invokeMethod(&control, "Word_Wrap", Q_ARG(bool, false)));
+    QCOMPARE(control.RichTextBox1().wrapMode(), WrapMode::None);
+    QCOMPARE(control.MyWrapStyle(), int(NoWrap));
 }
 
 void TestControl::createShowResizeDestroyDoesNotGrow()

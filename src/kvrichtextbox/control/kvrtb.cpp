@@ -1,5 +1,6 @@
 #include "control/kvrtb.h"
 
+#include "editing/editcommands.h"
 #include "spelling/dictionary.h"
 
 #include "control/controlcore.h"
@@ -318,20 +319,11 @@ void KvRTB::KillSwitch()
     threadState().cancelRequested = true;
 }
 
-void KvRTB::Word_Wrap(const bool &Wrap, const bool *RulerWrap)
+void KvRTB::Word_Wrap(const bool &Wrap, const bool &RulerWrap)
 {
-    EditorSurface &surface = m_core->surface();
-    if (!Wrap) {
-        surface.setWrap(WrapMode::None);
-        setMyWrapStyle(NoWrap);
-        return;
-    }
-    const bool atRuler = RulerWrap && *RulerWrap;
-    if (atRuler && surface.rightMargin() > 0)
-        surface.setWrap(WrapMode::Width, surface.rightMargin());
-    else
-        surface.setWrap(WrapMode::Window);
-    setMyWrapStyle(atRuler ? kvrtb::RulerWrap : WindowWrap);
+    // The wrapping mode is recorded first, so that the command's `Finish` and `Ready` come last.
+    setMyWrapStyle(!Wrap ? NoWrap : RulerWrap ? kvrtb::RulerWrap : WindowWrap);
+    m_core->editCommands().Word_Wrap(Wrap, RulerWrap);
 }
 
 bool KvRTB::HasRTBChanged() const
@@ -339,9 +331,9 @@ bool KvRTB::HasRTBChanged() const
     return m_core->surface().isModified();
 }
 
-void KvRTB::SetRTBChanged(const bool *BoolValQ)
+void KvRTB::SetRTBChanged(const bool &BoolValQ)
 {
-    m_core->surface().setModified(BoolValQ && *BoolValQ);
+    m_core->surface().setModified(BoolValQ);
 }
 
 void KvRTB::reportNotAvailable(const char *member) const

@@ -313,14 +313,15 @@ public slots:
     void KillSwitch();
     /// Turns wrapping off (\a Wrap false) or on: at the ruler's width (the right margin, or
     /// the window when there is none) when \a RulerWrap is true, else at the window's width.
-    /// `MyWrapStyle` follows.
-    void Word_Wrap(const bool &Wrap, const bool *RulerWrap = nullptr);
+    /// `MyWrapStyle` follows; `Finish` and `Ready` are raised. Both switches are plain values so
+    /// that a host calling by name can pass them.
+    void Word_Wrap(const bool &Wrap, const bool &RulerWrap = false);
 
     // --- Change tracking --------------------------------------------------------------------
     /// True when the document changed since it was loaded, saved or last marked.
     bool HasRTBChanged() const;
     /// Marks the document changed or unchanged (unchanged when the argument is omitted).
-    void SetRTBChanged(const bool *BoolValQ = nullptr);
+    void SetRTBChanged(const bool &BoolValQ = false);
 
     // --- Documents --------------------------------------------------------------------------
     void LoadFile(const QString &bstrFilename, kvrtb::QFileType vFileType = rtfRTF, bool *TXTLinks = nullptr,

@@ -113,6 +113,64 @@ private slots:
         QCOMPARE(matchTexts(AddressPatterns::link(), hostile).size(), 1);
     }
 
+    void patternsOnHostileText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QStringList>("expected");
+        const QString tail = QStringLiteral(" me@host.org");
+        QTest::newRow("www. repeated") << QStringLiteral("www.").repeated(25000) + tail
+                                       << QStringList{QStringLiteral("www.").repeated(25000), "me@host.org"};
+        QTest::newRow("schemes repeated") << QStringLiteral("ftp://").repeated(15000) + QStringLiteral("abc") + tail
+                                          << QStringList{QStringLiteral("ftp://").repeated(15000) + "abc", "me@host.org"};
+        QTest::newRow("www. repeated, short body") << QStringLiteral("www.").repeated(25000).chopped(1) + tail
+                                                   << QStringList{QStringLiteral("www.").repeated(25000).chopped(1), "me@host.org"};
+        QTest::newRow("at signs") << QString(100000, QLatin1Char('@')) + tail << QStringList{"me@host.org"};
+        QTest::newRow("dotted local part") << QStringLiteral("a.").repeated(50000) + QStringLiteral("@b.x") + tail
+                                           << QStringList{"me@host.org"};
+        QTest::newRow("no address") << QStringLiteral("plain: words and more ").repeated(20000) << QStringList();
+    }
+
+    void patternsOnHostileText()
+    {
+        // Long runs the engine must neither give up on (which would lose the addresses after
+        // them) nor take long over.
+        QFETCH(QString, text);
+        QFETCH(QStringList, expected);
+        QCOMPARE(matchTexts(AddressPatterns::link(), text), expected);
+    }
+
+    void engineFormFindsWhatThePatternsFind()
+    {
+        // The compiled web-address patterns take the scheme group once; on texts short enough
+        // for the engine, they find exactly what the patterns as written find.
+        const QRegularExpression url(AddressPatterns::urlPatternText(), QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpression link(AddressPatterns::linkPatternText(), QRegularExpression::CaseInsensitiveOption);
+        QVERIFY(url.isValid() && link.isValid());
+        const QStringList pieces{"www.", "WWW", "http", "https", "s", "ftp", "ms-help", "file", ":", "//", "/",
+                                 "\\\\", "\\", ".", "a", "b1", "@", "x.org", " ", ",", "<", "-", "\u00E9", "=", ">"};
+        quint32 seed = 12345;
+        const auto next = [&seed] {
+            seed = seed * 1103515245u + 12345u;
+            return (seed >> 16) & 0x7FFF;
+        };
+        int compared = 0;
+        int withMatches = 0;
+        for (int round = 0; round < 20000; ++round) {
+            QString text;
+            const int count = 1 + int(next() % 12);
+            for (int i = 0; i < count; ++i)
+                text += pieces.at(int(next() % pieces.size()));
+            const QStringList exactUrl = matchTexts(url, text);
+            const QStringList exactLink = matchTexts(link, text);
+            QCOMPARE(matchTexts(AddressPatterns::url(), text), exactUrl);
+            QCOMPARE(matchTexts(AddressPatterns::link(), text), exactLink);
+            withMatches += exactLink.isEmpty() ? 0 : 1;
+            ++compared;
+        }
+        QVERIFY(withMatches > 1000);
+        QCOMPARE(compared, 20000);
+    }
+
     void hyperLinkDocumentMarksEveryMatch()
     {
         Control c;

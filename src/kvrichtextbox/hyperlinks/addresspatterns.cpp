@@ -6,10 +6,26 @@ namespace kvrtb {
 
 namespace {
 
+/// The web-address patterns as the engine runs them: the scheme group "(...)+" taken once.
+///
+/// Every character a scheme or "www." can consist of is also a character of the address body,
+/// and at any one position at most one scheme (or "www.") matches. So the greedy body always
+/// runs to the end of the same run of body characters whatever the number of scheme
+/// repetitions, and a match exists exactly when one repetition leaves three body characters:
+/// both forms find the same addresses at the same offsets. The repeated group, though, costs
+/// the engine stack per repetition, and on a run such as "www.www.www..." of some 100 KB it
+/// gives up, reporting no match, which would end the search and lose every later address.
+QString engineForm(const QString &pattern)
+{
+    QString form = pattern;
+    form.replace(QLatin1String("|(WWW)\\.)+["), QLatin1String("|(WWW)\\.)["));
+    return form;
+}
+
 struct CompiledPatterns {
     QRegularExpression email{AddressPatterns::emailPatternText(), QRegularExpression::CaseInsensitiveOption};
-    QRegularExpression url{AddressPatterns::urlPatternText(), QRegularExpression::CaseInsensitiveOption};
-    QRegularExpression link{AddressPatterns::linkPatternText(), QRegularExpression::CaseInsensitiveOption};
+    QRegularExpression url{engineForm(AddressPatterns::urlPatternText()), QRegularExpression::CaseInsensitiveOption};
+    QRegularExpression link{engineForm(AddressPatterns::linkPatternText()), QRegularExpression::CaseInsensitiveOption};
 };
 
 // Compiled once per thread: a pattern object is cheap to share within a thread, and threads

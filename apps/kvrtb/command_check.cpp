@@ -23,8 +23,11 @@ int runCheck(const QStringList &args)
         }
     };
     if (!args.isEmpty()) {
-        for (const QString &word : args)
-            check(word);
+        // An empty argument holds no word: it is neither known nor reported.
+        for (const QString &word : args) {
+            if (!word.isEmpty())
+                check(word);
+        }
         printOut(unknown);
         return 0;
     }

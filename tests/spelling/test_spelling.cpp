@@ -8,6 +8,7 @@
 #include "spelling/wordlists.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -163,6 +164,7 @@ private slots:
     void completionsMatchPatternSearch();
     void randomWords();
     void selectionRules();
+    void commandLineWordLists();
 };
 
 void TestSpelling::firstUseFromManyThreads()
@@ -635,6 +637,102 @@ void TestSpelling::selectionRules()
     QCOMPARE(Thesaurus::wordOfSelection(QStringLiteral(" \"aback,\" ")), QStringLiteral("aback"));
     QCOMPARE(Thesaurus::wordOfSelection(QStringLiteral("don't ")), QStringLiteral("don't"));
     QCOMPARE(Thesaurus::wordOfSelection(QStringLiteral("...")), QString());
+}
+
+void TestSpelling::commandLineWordLists()
+{
+#ifndef KVRTB_CLI
+    QSKIP("The command-line tool is not part of this build.");
+#else
+    struct Run {
+        int code = -1;
+        QString out;
+        QString err;
+    };
+    auto run = [](const QStringList &args, const QByteArray &input = QByteArray()) {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        process.setProcessEnvironment(env);
+        process.start(QStringLiteral(KVRTB_CLI), args);
+        Run result;
+        if (!process.waitForStarted(10000))
+            return result;
+        process.write(input);
+        process.closeWriteChannel();
+        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+            return result;
+        result.code = process.exitCode();
+        result.out = QString::fromUtf8(process.readAllStandardOutput());
+        result.err = QString::fromUtf8(process.readAllStandardError());
+        return result;
+    };
+
+    // check: unknown words one a line; an empty argument is no word; both apostrophes known.
+    Run r = run({QStringLiteral("check"), QStringLiteral("aardvark"), QString(), QStringLiteral("Zulu"),
+                 QStringLiteral("zulu"), QStringLiteral("xqzzv"), QStringLiteral("abaci\u2019s"),
+                 QStringLiteral("abaci's")});
+    QCOMPARE(r.code, 0);
+    QCOMPARE(r.out, QStringLiteral("zulu\nxqzzv\n"));
+    // From standard input, split at any white space; non-ASCII words come back in UTF-8.
+    r = run({QStringLiteral("check")}, QByteArray("aardvark  \r\n\tZulu zulu\n\nxqzzv w\xc3\xb6rld"));
+    QCOMPARE(r.code, 0);
+    QCOMPARE(r.out, QStringLiteral("zulu\nxqzzv\nw\u00f6rld\n"));
+    r = run({QStringLiteral("check")});
+    QCOMPARE(r.code, 0);
+    QCOMPARE(r.out, QString());
+    QByteArray many;
+    for (int i = 0; i < 100000; ++i)
+        many += "Aardvark xqzzv\n";
+    r = run({QStringLiteral("check")}, many);
+    QCOMPARE(r.code, 0);
+    QCOMPARE(r.out.count(QLatin1Char('\n')), 100000);
+    QCOMPARE(r.out.count(QStringLiteral("xqzzv\n")), 100000);
+
+    // synonyms: exactly one word; the not-found message for anything else.
+    r = run({QStringLiteral("synonyms")});
+    QCOMPARE(r.code, 2);
+    QVERIFY2(r.err.contains(QStringLiteral("Usage: kvrtb synonyms WORD")), qPrintable(r.err));
+    r = run({QStringLiteral("synonyms"), QString()});
+    QCOMPARE(r.code, 1);
+    QCOMPARE(r.out, QStringLiteral("No synonyms found.\n"));
+    r = run({QStringLiteral("synonyms"), QStringLiteral("\u00e9lan")});
+    QCOMPARE(r.out, QStringLiteral("No synonyms found.\n"));
+    r = run({QStringLiteral("synonyms"), QStringLiteral("ABACK")});
+    QCOMPARE(r.code, 0);
+    QVERIFY2(r.out.startsWith(QStringLiteral("confused\nsurprised\n")), qPrintable(r.out));
+
+    // complete: a prefix that starts with a letter, and a limit of 0 or more.
+    r = run({QStringLiteral("complete")});
+    QCOMPARE(r.code, 2);
+    r = run({QStringLiteral("complete"), QString()});
+    QCOMPARE(r.code, 2);
+    QVERIFY2(r.err.contains(QStringLiteral("the prefix is empty")), qPrintable(r.err));
+    r = run({QStringLiteral("complete"), QStringLiteral("1a")});
+    QCOMPARE(r.code, 2);
+    r = run({QStringLiteral("complete"), QStringLiteral("\u00e9t")});
+    QCOMPARE(r.code, 2);
+    r = run({QStringLiteral("complete"), QStringLiteral("ab"), QStringLiteral("-1")});
+    QCOMPARE(r.code, 2);
+    r = run({QStringLiteral("complete"), QStringLiteral("e.g"), QStringLiteral("1")});
+    QCOMPARE(r.code, 0);
+    QCOMPARE(r.out, QStringLiteral("e.g.\n"));
+    r = run({QStringLiteral("complete"), QStringLiteral("ab"), QStringLiteral("3")});
+    QCOMPARE(r.code, 0);
+    QCOMPARE(r.out.count(QLatin1Char('\n')), 3);
+    QVERIFY2(r.out.at(1).isUpper(), qPrintable(r.out)); // capitalised entries come first
+    r = run({QStringLiteral("complete"), QStringLiteral("xqzzv")});
+    QCOMPARE(r.code, 1);
+    QCOMPARE(r.out, QString());
+
+    // random: one proper-case word a to y, its carriage return turned into a line end.
+    r = run({QStringLiteral("random"), QStringLiteral("x")});
+    QCOMPARE(r.code, 2);
+    r = run({QStringLiteral("random")});
+    QCOMPARE(r.code, 0);
+    QVERIFY2(QRegularExpression(QStringLiteral("^[A-Y][^A-Z\r\n'\u2019.]{2,}\n$")).match(r.out).hasMatch(),
+             qPrintable(r.out));
+#endif
 }
 
 QTEST_GUILESS_MAIN(TestSpelling)

@@ -134,6 +134,7 @@ private slots:
     void readsProducerFeatures();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
+    void tablesKeepWidthsAndMergedCells();
     void corpusMatchesReference();
     void hostileInputNeitherCrashesNorHangs();
 };
@@ -434,6 +435,96 @@ void TestRtf::selectionWriteAndInsert()
     QCOMPARE(doc.toPlainText(), QStringLiteral("alpha\nbeta\ngamma"));
 }
 
+namespace {
+
+QTextTable *firstTable(const QTextDocument &doc)
+{
+    for (QTextFrame *frame : doc.rootFrame()->childFrames()) {
+        if (auto *table = qobject_cast<QTextTable *>(frame))
+            return table;
+    }
+    return nullptr;
+}
+
+// "r,c:rows x columns" for every cell that starts a span, then the column widths in pixels.
+QString tableLayout(const QTextTable *table)
+{
+    QStringList parts;
+    for (int r = 0; r < table->rows(); ++r) {
+        for (int c = 0; c < table->columns(); ++c) {
+            const QTextTableCell cell = table->cellAt(r, c);
+            if (cell.row() == r && cell.column() == c && (cell.rowSpan() > 1 || cell.columnSpan() > 1))
+                parts << QStringLiteral("%1,%2:%3x%4").arg(r).arg(c).arg(cell.rowSpan()).arg(cell.columnSpan());
+        }
+    }
+    QStringList widths;
+    for (const QTextLength &length : table->format().columnWidthConstraints())
+        widths << QStringLiteral("%1/%2").arg(int(length.type())).arg(length.rawValue());
+    return parts.join(QLatin1Char(' ')) + QStringLiteral(" | ") + widths.join(QLatin1Char(' '));
+}
+
+} // namespace
+
+void TestRtf::tablesKeepWidthsAndMergedCells()
+{
+    // A 3x3 table with unequal columns, two cells merged across and two merged down.
+    QTextDocument doc;
+    QTextCursor cursor(&doc);
+    cursor.insertText(QStringLiteral("before"));
+    QTextTableFormat tableFormat;
+    tableFormat.setColumnWidthConstraints({QTextLength(QTextLength::FixedLength, 100),
+                                           QTextLength(QTextLength::FixedLength, 50),
+                                           QTextLength(QTextLength::FixedLength, 80)});
+    QTextTable *table = cursor.insertTable(3, 3, tableFormat);
+    for (int r = 0; r < 3; ++r) {
+        for (int c = 0; c < 3; ++c)
+            table->cellAt(r, c).firstCursorPosition().insertText(QStringLiteral("%1%2").arg(QChar('A' + c)).arg(r + 1));
+    }
+    table->mergeCells(0, 0, 1, 2);
+    table->mergeCells(1, 2, 2, 1);
+    const QString layout = tableLayout(table);
+    QCOMPARE(layout, QStringLiteral("0,0:1x2 1,2:2x1 | 1/100 1/50 1/80"));
+
+    const QByteArray out = rtf::writeRtf(doc);
+    QVERIFY2(out.contains("\\trowd\\clmgf\\cellx1500\\clmrg\\cellx2250\\cellx3450\n"), out.constData());
+    QVERIFY(out.contains("\\trowd\\cellx1500\\cellx2250\\clvmgf\\cellx3450\n"));
+    QVERIFY(out.contains("\\trowd\\cellx1500\\cellx2250\\clvmrg\\cellx3450\n"));
+    QTextDocument back;
+    QVERIFY(rtf::readRtf(back, out).ok);
+    QTextTable *read = firstTable(back);
+    QVERIFY(read);
+    QCOMPARE(tableLayout(read), layout);
+    QCOMPARE(back.toPlainText(), doc.toPlainText());
+    QCOMPARE(rtf::writeRtf(back), out);
+
+    // A table without widths gets equal columns, which read back as fixed widths.
+    QTextDocument equal;
+    QTextCursor at(&equal);
+    at.insertTable(1, 4);
+    const QByteArray equalOut = rtf::writeRtf(equal);
+    QVERIFY(equalOut.contains("\\cellx2250\\cellx4500\\cellx6750\\cellx9000\n"));
+    QVERIFY(rtf::readRtf(equal, equalOut).ok);
+    QCOMPARE(tableLayout(firstTable(equal)), QStringLiteral(" | 1/150 1/150 1/150 1/150"));
+
+    // Another producer's table: a left edge, a 2x2 block merged both ways, the row definition
+    // repeated after the row's cells, and a nested table whose definition must not count.
+    const QByteArray word =
+        "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\n"
+        "\\trowd\\trleft-108\\clvmgf\\clmgf\\cellx1392\\clvmgf\\clmrg\\cellx2892\\cellx4392\n"
+        "\\pard\\intbl X\\cell\\cell Y\\cell"
+        "\\trowd\\trleft-108\\clvmgf\\clmgf\\cellx1392\\clvmgf\\clmrg\\cellx2892\\cellx4392\\row\n"
+        "\\trowd\\trleft-108\\clvmrg\\clmgf\\cellx1392\\clvmrg\\clmrg\\cellx2892\\cellx4392\n"
+        "\\pard\\intbl\\cell\\cell Z\\cell\\row\n"
+        "\\pard after\\par}";
+    QTextDocument other;
+    QVERIFY(rtf::readRtf(other, word).ok);
+    QTextTable *merged = firstTable(other);
+    QVERIFY(merged);
+    QCOMPARE(tableLayout(merged), QStringLiteral("0,0:2x2 | 1/100 1/100 1/100"));
+    QCOMPARE(merged->cellAt(1, 2).firstCursorPosition().block().text(), QStringLiteral("Z"));
+    QCOMPARE(other.toPlainText(), QStringLiteral("\nX\nY\nZ\nafter"));
+}
+
 void TestRtf::corpusMatchesReference()
 {
     const QDir corpus(test::corpusPath(QStringLiteral("rtf")));
@@ -529,6 +620,8 @@ void TestRtf::hostileInputNeitherCrashesNorHangs()
         "{\\rtf1 \\cell\\row\\cell x\\row\\intbl y\\nestcell\\nestrow\\par}",
         "{\\rtf1 {\\field{\\fldrslt {\\field{\\*\\fldinst HYPERLINK \"}}}}}x}",
         "{\\rtf1{\\*\\listtable{\\list{\\listlevel{\\leveltext\\'ff}}}}\\ls1\\ilvl50 x\\par}",
+        "{\\rtf1\\trowd\\clmrg\\clvmrg\\cellx-5\\cellx-10\\intbl a\\cell\\row\\trowd\\clvmgf\\clmgf\\cellx0\\intbl b\\cell c\\cell\\row}",
+        "{\\rtf1\\trowd\\clvmgf\\clmgf\\cellx99\\intbl{\\*\\nesttableprops\\trowd\\clvmrg\\cellx5\\nestrow} a\\cell\\row\\trowd\\clvmrg\\clmrg\\cellx99\\intbl\\cell\\row}",
         "{\\rtf1 \\abcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyz123456789012345 x}",
     };
     for (const QByteArray &input : cases) {

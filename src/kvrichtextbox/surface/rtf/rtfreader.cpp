@@ -60,7 +60,7 @@ enum class Word : quint16 {
     // destinations
     Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
     PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
-    ListOverrideTable, ListOverride, Upr, Ud, SkipDest,
+    ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, SkipDest,
     // document
     Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
     // font table
@@ -71,7 +71,7 @@ enum class Word : quint16 {
     Plain, B, I, Ul, UlD, UlDash, UlDashD, UlDashDD, UlWave, UlNone, Strike, StrikeD, Cf, Cb,
     Highlight, ChCbPat, Fs, Super, Sub, NoSuperSub, Up, Dn, Protect, Lang, V, KvOffset,
     // paragraphs
-    Pard, TrowD, CellX, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
+    Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
     // legacy numbering
     PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
@@ -98,7 +98,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"pntxtb", Word::PnTxtB}, {"listtable", Word::ListTable}, {"list", Word::ListDest},
         {"listlevel", Word::ListLevel}, {"leveltext", Word::LevelText},
         {"listoverridetable", Word::ListOverrideTable}, {"listoverride", Word::ListOverride},
-        {"upr", Word::Upr}, {"ud", Word::Ud}, {"nesttableprops", Word::ShpPict},
+        {"upr", Word::Upr}, {"ud", Word::Ud}, {"nesttableprops", Word::NestTableProps},
         // Destinations whose content is not document text.
         {"stylesheet", Word::SkipDest}, {"info", Word::SkipDest}, {"header", Word::SkipDest},
         {"headerl", Word::SkipDest}, {"headerr", Word::SkipDest}, {"headerf", Word::SkipDest},
@@ -142,7 +142,8 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"up", Word::Up}, {"dn", Word::Dn}, {"protect", Word::Protect}, {"lang", Word::Lang},
         {"v", Word::V}, {"kvoffset", Word::KvOffset},
         // paragraphs
-        {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"ql", Word::Ql}, {"qc", Word::Qc}, {"qr", Word::Qr}, {"qj", Word::Qj},
+        {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft},
+        {"clmgf", Word::ClMgf}, {"clmrg", Word::ClMrg}, {"clvmgf", Word::ClVmgf}, {"clvmrg", Word::ClVmrg}, {"ql", Word::Ql}, {"qc", Word::Qc}, {"qr", Word::Qr}, {"qj", Word::Qj},
         {"li", Word::Li}, {"ri", Word::Ri}, {"fi", Word::Fi}, {"sb", Word::Sb}, {"sa", Word::Sa},
         {"sl", Word::Sl}, {"slmult", Word::SlMult}, {"tx", Word::Tx}, {"intbl", Word::Intbl},
         {"ls", Word::Ls}, {"ilvl", Word::Ilvl}, {"kvlinerule", Word::KvLineRule},
@@ -235,6 +236,7 @@ struct GroupState {
     bool destRoot = false; // this group opened its destination
     bool star = false;     // "\*" seen at the group's start
     bool opensField = false; // this group is a \field
+    bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
     int codePage = 1252;   // code page of the current font
 };
 
@@ -261,6 +263,26 @@ struct ListLevelDef {
 struct ListDef {
     int id = 0;
     std::vector<ListLevelDef> levels;
+};
+
+// A row definition (\trowd ... \cellx): the right edge of each cell in twips and how it is
+// merged with its neighbours.
+enum CellMerge : quint8 {
+    MergeFirst = 1,         // \clmgf: first of cells merged across
+    MergeContinue = 2,      // \clmrg: covered by the cell on its left
+    MergeDownFirst = 4,     // \clvmgf: first of cells merged down
+    MergeDownContinue = 8,  // \clvmrg: covered by the cell above
+};
+
+struct CellDef {
+    int right = 0;
+    quint8 merge = 0;
+};
+
+struct RowDef {
+    int left = 0;
+    std::vector<CellDef> cells;
+    quint8 pendingMerge = 0; // merge words seen before the cell's \cellx
 };
 
 struct PictureBuild {
@@ -404,6 +426,7 @@ private:
     void endCell();
     void endRow();
     void leaveTable();
+    void applyTableLayout(QTextTable *table);
     void insertPicture(const PictureBuild &picture);
 
     GroupState &top() { return m_stack.back(); }
@@ -469,6 +492,8 @@ private:
     bool m_rowEnded = false;
     bool m_cellMovePending = false;
     int m_rowCellCount = 0;
+    RowDef m_rowDef;                  // the row definition in effect
+    std::vector<RowDef> m_tableRowDefs; // the definition of each row of the table being read
 };
 
 void Reader::run(const QByteArray &bytes)
@@ -1197,6 +1222,11 @@ void Reader::endRow()
     flushRun();
     if (!m_table)
         return;
+    // Writers put the row definition before the row's cells, after them, or both: at \row the
+    // definition in effect is this row's.
+    if (m_tableRowDefs.size() <= size_t(m_tableRow))
+        m_tableRowDefs.resize(size_t(m_tableRow) + 1);
+    m_tableRowDefs[size_t(m_tableRow)] = m_rowDef;
     m_rowEnded = true;
     m_cellMovePending = false;
 }
@@ -1206,6 +1236,8 @@ void Reader::leaveTable()
     flushRun();
     QTextTable *table = m_table;
     m_table = nullptr;
+    applyTableLayout(table);
+    m_tableRowDefs.clear();
     // A row whose last cell was ended by \cell has one empty cell too many when no further
     // cell follows in that row; such trailing empty columns are left as they are.
     m_cursor.setPosition(table->lastPosition() + 1);
@@ -1213,6 +1245,57 @@ void Reader::leaveTable()
     m_lastWasPar = false;
     m_rowEnded = false;
     m_cellMovePending = false;
+}
+
+void Reader::applyTableLayout(QTextTable *table)
+{
+    const int rows = table->rows();
+    const int columns = table->columns();
+    // Column widths: from the first row that defines one cell per column with rising edges.
+    for (const RowDef &def : m_tableRowDefs) {
+        if (int(def.cells.size()) != columns)
+            continue;
+        QList<QTextLength> widths;
+        int left = def.left;
+        for (const CellDef &cell : def.cells) {
+            if (cell.right <= left)
+                break;
+            widths.append(QTextLength(QTextLength::FixedLength, format::twipsToPixels(cell.right - left)));
+            left = cell.right;
+        }
+        if (widths.size() == columns) {
+            QTextTableFormat tableFormat = table->format();
+            tableFormat.setColumnWidthConstraints(widths);
+            table->setFormat(tableFormat);
+        }
+        break;
+    }
+    // Merged cells: a first cell spans the continuing cells to its right and below it.
+    auto mergeOf = [&](int r, int c) -> int {
+        if (size_t(r) >= m_tableRowDefs.size() || size_t(c) >= m_tableRowDefs[size_t(r)].cells.size())
+            return 0;
+        return m_tableRowDefs[size_t(r)].cells[size_t(c)].merge;
+    };
+    for (int r = 0; r < rows && size_t(r) < m_tableRowDefs.size(); ++r) {
+        for (int c = 0; c < columns; ++c) {
+            const int merge = mergeOf(r, c);
+            if (!(merge & (MergeFirst | MergeDownFirst)) || (merge & (MergeContinue | MergeDownContinue)))
+                continue;
+            int across = 1;
+            if (merge & MergeFirst) {
+                while (c + across < columns && (mergeOf(r, c + across) & MergeContinue))
+                    ++across;
+            }
+            int down = 1;
+            if (merge & MergeDownFirst) {
+                while (r + down < rows && (mergeOf(r + down, c) & MergeDownContinue))
+                    ++down;
+            }
+            const QTextTableCell cell = table->cellAt(r, c);
+            if ((across > 1 || down > 1) && cell.row() == r && cell.column() == c)
+                table->mergeCells(r, c, down, across);
+        }
+    }
 }
 
 void Reader::insertPicture(const PictureBuild &picture)
@@ -1294,7 +1377,11 @@ void Reader::handleDestinationWord(Word word)
         open(Dest::Pict);
         m_picture = PictureBuild();
         break;
-    case Word::ShpPict: // also \nesttableprops, which some writers close after the row's text
+    case Word::NestTableProps:
+        // Some writers close it only after the nested row's text, which is document text.
+        state.nestedTableProps = true;
+        [[fallthrough]];
+    case Word::ShpPict:
     case Word::Ud:
     case Word::Result:
         if (state.dest == Dest::Ignore || state.dest == Dest::Upr)
@@ -1346,7 +1433,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::PnDest || word == Word::ListTable
                                       || word == Word::ListOverrideTable || word == Word::Ud
                                       || word == Word::ListDest || word == Word::ListLevel
-                                      || word == Word::KvLink || word == Word::ShpPict;
+                                      || word == Word::KvLink || word == Word::NestTableProps;
         if (!knownDestination) {
             flushBytes();
             flushRun();
@@ -1469,8 +1556,25 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::V: break; // hidden text is kept as text, as other readers show it in their text
 
     case Word::Pard: para = ParaState(); break;
-    case Word::TrowD: m_rowCellCount = 0; break;
-    case Word::CellX: ++m_rowCellCount; break;
+    case Word::TrowD:
+        if (!state.nestedTableProps) {
+            m_rowCellCount = 0;
+            m_rowDef = RowDef();
+        }
+        break;
+    case Word::CellX:
+        if (!state.nestedTableProps) {
+            ++m_rowCellCount;
+            if (m_rowDef.cells.size() < 4096)
+                m_rowDef.cells.push_back(CellDef{param, m_rowDef.pendingMerge});
+            m_rowDef.pendingMerge = 0;
+        }
+        break;
+    case Word::TrLeft: if (!state.nestedTableProps) m_rowDef.left = param; break;
+    case Word::ClMgf: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeFirst; break;
+    case Word::ClMrg: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeContinue; break;
+    case Word::ClVmgf: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeDownFirst; break;
+    case Word::ClVmrg: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeDownContinue; break;
     case Word::Ql: para.align = int(ParaAlignment::Left); break;
     case Word::Qc: para.align = int(ParaAlignment::Center); break;
     case Word::Qr: para.align = int(ParaAlignment::Right); break;

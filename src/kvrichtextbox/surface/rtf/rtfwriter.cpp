@@ -456,11 +456,36 @@ void Writer::writeTable(const QTextTable *table)
 {
     const int rows = table->rows();
     const int columns = table->columns();
-    const int width = 9000 / std::max(1, columns);
+    // Right edges of the columns in twips: fixed and percentage widths as set, the others an
+    // equal share of a 6.25 inch line.
+    constexpr int kLineTwips = 9000;
+    const QList<QTextLength> constraints = table->format().columnWidthConstraints();
+    std::vector<int> rights;
+    rights.reserve(size_t(columns));
+    int right = 0;
+    for (int c = 0; c < columns; ++c) {
+        int width = kLineTwips / std::max(1, columns);
+        if (c < constraints.size()) {
+            const QTextLength length = constraints.at(c);
+            if (length.type() == QTextLength::FixedLength)
+                width = format::pixelsToTwips(length.rawValue());
+            else if (length.type() == QTextLength::PercentageLength)
+                width = int(std::lround(kLineTwips * length.rawValue() / 100.0));
+        }
+        right += std::max(1, width);
+        rights.push_back(right);
+    }
     for (int r = 0; r < rows; ++r) {
         word("trowd");
-        for (int c = 0; c < columns; ++c)
-            word("cellx", width * (c + 1));
+        for (int c = 0; c < columns; ++c) {
+            // Merged cells: every grid cell is written, the covered ones marked as such.
+            const QTextTableCell cell = table->cellAt(r, c);
+            if (cell.rowSpan() > 1)
+                word(cell.row() == r ? "clvmgf" : "clvmrg");
+            if (cell.columnSpan() > 1)
+                word(cell.column() == c ? "clmgf" : "clmrg");
+            word("cellx", rights[size_t(c)]);
+        }
         m_out += '\n';
         m_needSpace = false;
         for (int c = 0; c < columns; ++c) {

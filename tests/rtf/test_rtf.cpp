@@ -430,6 +430,28 @@ void TestRtf::selectionWriteAndInsert()
     target.undo();
     QCOMPARE(target.toPlainText(), QStringLiteral("[]"));
 
+    // Text copied from inside a table cell pastes as text, not as a table; a range that ends
+    // in the first row of a table writes that row only.
+    QTextDocument tabled;
+    QTextCursor make(&tabled);
+    make.insertText(QStringLiteral("x"));
+    QTextTable *table = make.insertTable(2, 2);
+    table->cellAt(0, 1).firstCursorPosition().insertText(QStringLiteral("hello world"));
+    table->cellAt(1, 1).firstCursorPosition().insertText(QStringLiteral("zz"));
+    const int cellStart = table->cellAt(0, 1).firstPosition();
+    const QByteArray word = rtf::writeRtf(tabled, cellStart + 6, cellStart + 11);
+    QVERIFY2(!word.contains("\\trowd") && !word.contains("\\intbl"), word.constData());
+    target.setPlainText(QStringLiteral("[]"));
+    at.setPosition(1);
+    QVERIFY(rtf::insertRtf(at, word).ok);
+    QCOMPARE(target.toPlainText(), QStringLiteral("[world]"));
+    const QByteArray firstRow = rtf::writeRtf(tabled, 0, cellStart + 5);
+    QCOMPARE(firstRow.count("\\row"), 1);
+    QVERIFY(!firstRow.contains("zz"));
+    QTextDocument rowBack;
+    QVERIFY(rtf::readRtf(rowBack, firstRow).ok);
+    QCOMPARE(rowBack.toPlainText(), QStringLiteral("x\n\nhello\n"));
+
     QVERIFY(!rtf::insertRtf(at, "plain text").ok);
     QVERIFY(!rtf::readRtf(doc, "not rtf").ok);
     QCOMPARE(doc.toPlainText(), QStringLiteral("alpha\nbeta\ngamma"));

@@ -54,6 +54,7 @@ public:
 private:
     void writeFrame(const QTextFrame *frame);
     void writeTable(const QTextTable *table);
+    bool writeWithinCell(const QTextTable *table);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
     void writeFragmentText(const QString &text);
@@ -73,6 +74,7 @@ private:
     const format::CharDefaults m_defaults;
     QByteArray m_out;
     bool m_needSpace = false;
+    bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
     RunProps m_props;
     QStringList m_fonts;
     std::vector<Colour> m_colours;
@@ -387,7 +389,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     const int blockStart = block.position();
     const int blockEnd = blockStart + block.length() - 1; // position of its paragraph break
     word("pard");
-    if (block.document() && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart)))
+    if (!m_flattenCell && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart)))
         word("intbl");
     writeParagraphProperties(block);
     if (block.length() == 1)
@@ -476,6 +478,14 @@ void Writer::writeTable(const QTextTable *table)
         rights.push_back(right);
     }
     for (int r = 0; r < rows; ++r) {
+        // Rows outside the range are left out of a part of the document.
+        bool rowInRange = false;
+        for (int c = 0; c < columns && !rowInRange; ++c) {
+            const QTextTableCell cell = table->cellAt(r, c);
+            rowInRange = intersects(cell.firstPosition(), cell.lastPosition() + 1);
+        }
+        if (!rowInRange)
+            continue;
         word("trowd");
         for (int c = 0; c < columns; ++c) {
             // Merged cells: every grid cell is written, the covered ones marked as such.
@@ -518,14 +528,34 @@ void Writer::writeTable(const QTextTable *table)
     }
 }
 
+bool Writer::writeWithinCell(const QTextTable *table)
+{
+    // A range inside one cell is text copied from the cell, not a table.
+    const QTextTableCell cell = table->cellAt(m_start);
+    if (!cell.isValid() || m_start < cell.firstPosition() || m_end > cell.lastPosition())
+        return false;
+    m_flattenCell = true;
+    const QTextBlock last = m_doc.findBlock(cell.lastPosition());
+    for (QTextBlock block = m_doc.findBlock(cell.firstPosition()); block.isValid(); block = block.next()) {
+        if (intersects(block.position(), block.position() + block.length()))
+            writeBlock(block, "par");
+        if (block == last)
+            break;
+    }
+    m_flattenCell = false;
+    return true;
+}
+
 void Writer::writeFrame(const QTextFrame *frame)
 {
     for (auto it = frame->begin(); !it.atEnd(); ++it) {
         if (const QTextFrame *child = it.currentFrame()) {
             if (!intersects(child->firstPosition(), child->lastPosition() + 1))
                 continue;
-            if (const auto *table = qobject_cast<const QTextTable *>(child))
-                writeTable(table);
+            if (const auto *table = qobject_cast<const QTextTable *>(child)) {
+                if (!writeWithinCell(table))
+                    writeTable(table);
+            }
             else
                 writeFrame(child);
             continue;

@@ -781,6 +781,32 @@ private slots:
         QCOMPARE(c.boxes().size(), 1);
         QCOMPARE(c.boxes().first().title, QStringLiteral("Automatic Hyperlinking Disabled"));
     }
+    void pipesAreNotDocuments()
+    {
+        // A named pipe nobody writes to: a plain open would wait for ever.
+        const QString fifo = path(QStringLiteral("pipe.rtf"));
+        QFile::remove(fifo);
+        QVERIFY(::mkfifo(QFile::encodeName(fifo).constData(), 0644) == 0);
+        QVERIFY(!Documents::IsFileEncrypted(fifo));
+        Control c;
+        c.surface().setText(QStringLiteral("kept"));
+        for (int type : {0, 1, 2}) {
+            bool opened = true;
+            c.docs().LoadFile(fifo, type, nullptr, &opened);
+            QVERIFY(!opened);
+            QCOMPARE(c.docs().lastError(), FileError::PathFileAccess);
+            QVERIFY(!c.docs().LoadFileRTBOriginal(fifo, type).toBool());
+            QCOMPARE(c.surface().text(), QStringLiteral("kept"));
+        }
+        // Saving does not put a file in the pipe's place.
+        QVERIFY(!c.docs().SaveFile(fifo, 0));
+        QCOMPARE(c.boxes().size(), 1);
+        QCOMPARE(c.boxes().first().title, QStringLiteral("File Access Error 75"));
+        struct stat st {};
+        QVERIFY(::lstat(QFile::encodeName(fifo).constData(), &st) == 0);
+        QVERIFY(S_ISFIFO(st.st_mode));
+    }
+
     void commandLineConvert()
     {
 #ifndef KVRTB_CLI

@@ -13,6 +13,7 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <sys/stat.h>
 
 namespace kvrtb {
 
@@ -28,6 +29,13 @@ const QString kCrLf = QStringLiteral("\r\n");
 int filterRows(const QString &filter)
 {
     return int((filter.count(QLatin1Char('|')) + 1) / 2);
+}
+
+/// True when \a path names a regular file (through any links).
+bool isRegularFile(const QString &path)
+{
+    struct stat st {};
+    return ::stat(QFile::encodeName(path).constData(), &st) == 0 && S_ISREG(st.st_mode);
 }
 
 QString bareFileName(const QString &path)
@@ -135,6 +143,12 @@ int Documents::readFile(const QString &path, QByteArray *bytes)
         fail(FileError::PathFileAccess, QStringLiteral("\"%1\" is a folder.").arg(path));
         return m_lastError;
     }
+    // A pipe, socket or device is no document: opening a pipe nobody writes to would wait for
+    // ever, and a device may never end.
+    if (!isRegularFile(path)) {
+        fail(FileError::PathFileAccess, QStringLiteral("\"%1\" is not a regular file.").arg(path));
+        return m_lastError;
+    }
     errno = 0;
     if (!file.open(QIODevice::ReadOnly)) {
         fail(FileError::fromErrno(errno ? errno : EACCES, true), file.errorString());
@@ -210,6 +224,10 @@ void Documents::linkDocument()
 QVariant Documents::LoadFileRTBOriginal(const QString &bstrFilename, int vFileType)
 {
     const SurfaceFileType type = vFileType == kTypeText ? SurfaceFileType::Text : SurfaceFileType::Rtf;
+    if (QFileInfo::exists(bstrFilename) && !isRegularFile(bstrFilename)) {
+        fail(FileError::PathFileAccess, QStringLiteral("\"%1\" is not a regular file.").arg(bstrFilename));
+        return QVariant(false);
+    }
     QString reason;
     const bool ok = m_core.surface().loadFile(bstrFilename, type, &reason);
     if (ok)
@@ -391,7 +409,8 @@ bool Documents::IsFileEncrypted(const QString &FileNameSTR)
     if (FileNameSTR.isEmpty())
         return false;
     QFile file(FileNameSTR);
-    if (QFileInfo(FileNameSTR).isDir() || !file.open(QIODevice::ReadOnly))
+    // Folders, pipes and devices hold no signature (and a pipe would keep the read waiting).
+    if (!isRegularFile(FileNameSTR) || !file.open(QIODevice::ReadOnly))
         return false;
     QByteArray head = file.read(4);
     // A shorter file reads as zeros past its end.

@@ -37,13 +37,16 @@ public:
     /// program holds open is not loaded and the "File is Already Open" box says so. Otherwise
     /// raises `Begin`, shows the busy pointer, reads, cleans up RTF while `RemoveUnUsableData`
     /// is on, links addresses while `DetectHyperLinks` is on (text files only when \a TXTLinks
-    /// is true), puts the caret at 0 and raises `Finish` and `Ready`. \a OpenSuccess is true
-    /// when the load ran to its end; a failed read leaves the document as it was. A type
-    /// outside 0 to 2 does nothing (`lastError` 5).
+    /// is true), puts the caret at 0, clears the modified flag and raises `Finish` and
+    /// `Ready`. \a OpenSuccess is true when the load ran to its end. Unlike clearing the
+    /// editor first, the file is read whole before the editor is touched, so a failed read
+    /// leaves the document as it was. A folder,
+    /// pipe or device is not read (`lastError` 75). A type outside 0 to 2 does nothing
+    /// (`lastError` 5).
     void LoadFile(const QString &bstrFilename, int vFileType = 0, bool *TXTLinks = nullptr,
                   bool *OpenSuccess = nullptr);
     /// Loads through the editor's own load operation: no checks, clean-up, events or links.
-    /// The result is true when the editor took the file.
+    /// The result is true when the editor took the file; a pipe or device is not read.
     QVariant LoadFileRTBOriginal(const QString &bstrFilename, int vFileType = 0);
     /// Writes the document as RTF (types 0 and 2) or text (type 1). Saving formatted text as
     /// text asks first, and No saves nothing. A failure shows its box ("File is Read-only" or
@@ -68,7 +71,7 @@ public:
 
     /// True when the file begins with the four-byte signature "kveS" of an enciphered
     /// document. An empty name gives false without touching the disk; a shorter or unreadable
-    /// file gives false.
+    /// file, a folder, a pipe or a device gives false.
     static bool IsFileEncrypted(const QString &FileNameSTR);
     /// Opens the plain file the host deciphered, by the index `CommonDialogFileOpen` gave
     /// (1 control document, 2 RTF, 3 text; others load nothing). Then clears the modified

@@ -154,6 +154,12 @@ SafeFileWriter::Result SafeFileWriter::write(const QString &path, const QByteArr
     if (exists) {
         if (S_ISDIR(existing.st_mode))
             return failure(EISDIR);
+        // A pipe, socket or device in the file's place is not replaced by a file.
+        if (!S_ISREG(existing.st_mode)) {
+            Result result = failure(EISDIR);
+            result.reason = QStringLiteral("\"%1\" is not a regular file.").arg(target);
+            return result;
+        }
         if (isReadOnlyFile(target))
             return failure(EACCES, true);
         mode = existing.st_mode & 07777;

@@ -12,8 +12,9 @@ namespace kvrtb {
 /// The bytes go to a new file beside the target, are flushed to the disk, take the target's
 /// permissions (or those a new file would get), and the new file is renamed over the target;
 /// the folder is flushed too. A target whose own permissions forbid writing is never replaced,
-/// although the rename into a writable folder would succeed. Symbolic links are followed: the
-/// file they name is replaced, the link stays.
+/// although the rename into a writable folder would succeed, nor is a folder, pipe, socket or
+/// device in the target's place (error 75). Symbolic links are followed: the file they name
+/// is replaced, the link stays.
 class SafeFileWriter {
 public:
     struct Result {

@@ -452,6 +452,32 @@ void TestRtf::selectionWriteAndInsert()
     QVERIFY(rtf::readRtf(rowBack, firstRow).ok);
     QCOMPARE(rowBack.toPlainText(), QStringLiteral("x\n\nhello\n"));
 
+    // Whole list paragraphs pasted at the start or the end of a paragraph: no extra paragraph,
+    // and the paragraph where they went in takes the first pasted paragraph's numbering.
+    QTextDocument listed;
+    listed.setPlainText(QStringLiteral("one\ntwo\nthree\nfour"));
+    QTextCursor items(&listed);
+    items.setPosition(5);
+    items.setPosition(10, QTextCursor::KeepAnchor);
+    ParaFormat numbered;
+    numbered.numbering = Numbering::Arabic;
+    format::applyParaFormat(items, numbered);
+    const QByteArray listPart = rtf::writeRtf(listed, 4, 14); // "two\nthree\n"
+    auto blocksOf = [](const QTextDocument &d) {
+        QStringList blocks;
+        for (QTextBlock b = d.begin(); b.isValid(); b = b.next())
+            blocks << b.text() + (b.textList() ? QStringLiteral("#%1").arg(b.textList()->itemNumber(b) + 1) : QString());
+        return blocks.join(QLatin1Char('|'));
+    };
+    for (const auto &[position, expected] : {std::pair{2, "A|two#1|three#2|B"}, std::pair{3, "A|Btwo#1|three#2|"}}) {
+        target.setPlainText(QStringLiteral("A\nB"));
+        at.setPosition(position);
+        QVERIFY(rtf::insertRtf(at, listPart).ok);
+        QCOMPARE(blocksOf(target), QString::fromLatin1(expected));
+        target.undo();
+        QCOMPARE(target.toPlainText(), QStringLiteral("A\nB"));
+    }
+
     QVERIFY(!rtf::insertRtf(at, "plain text").ok);
     QVERIFY(!rtf::readRtf(doc, "not rtf").ok);
     QCOMPARE(doc.toPlainText(), QStringLiteral("alpha\nbeta\ngamma"));

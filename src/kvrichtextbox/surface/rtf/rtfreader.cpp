@@ -1760,7 +1760,28 @@ ReadResult insertRtf(QTextCursor &cursor, const QByteArray &rtf)
                 target->addResource(QTextDocument::ImageResource, QUrl(name), data);
         }
     }
+    cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    const int at = cursor.position();
+    const int blocksBefore = target->blockCount();
     cursor.insertFragment(QTextDocumentFragment(&scratch));
+    // A fragment that starts with a list paragraph is put in a paragraph of its own, one break
+    // more than the RTF has: the paragraph where it went in takes the pasted paragraph's
+    // format and list instead, as for any other pasted paragraph.
+    if (target->blockCount() - blocksBefore == scratch.blockCount()
+        && target->characterAt(at) == QChar::ParagraphSeparator) {
+        const QTextBlock host = target->findBlock(at);
+        const QTextBlock pasted = host.next();
+        if (pasted.isValid() && pasted.textList() && host.position() + host.length() - 1 == at) {
+            QTextCursor join(host);
+            join.setBlockFormat(pasted.blockFormat());
+            if (host.textList() != pasted.textList())
+                pasted.textList()->add(host);
+            join.setPosition(at);
+            join.deleteChar();
+        }
+    }
+    cursor.endEditBlock();
     return {true, QString()};
 }
 

@@ -807,6 +807,43 @@ private slots:
         QVERIFY(S_ISFIFO(st.st_mode));
     }
 
+    void savingThroughLinks()
+    {
+        Control c;
+        c.surface().setText(QStringLiteral("new words"));
+        // A chain of links: the links stay, the file at its end takes the text.
+        const QString file = path(QStringLiteral("real.txt"));
+        const QString inner = path(QStringLiteral("inner-link.txt"));
+        const QString outer = path(QStringLiteral("outer-link.txt"));
+        QVERIFY(writeBytes(file, "old"));
+        QFile::remove(inner);
+        QFile::remove(outer);
+        QVERIFY(QFile::link(QStringLiteral("real.txt"), inner));
+        QVERIFY(QFile::link(inner, outer));
+        QVERIFY(c.docs().SaveFile(outer, 1));
+        QVERIFY(QFileInfo(outer).isSymLink());
+        QVERIFY(QFileInfo(inner).isSymLink());
+        QCOMPARE(fileBytes(file), QByteArray("new words"));
+        // A dangling link: the file it names is created.
+        const QString dangling = path(QStringLiteral("dangling.txt"));
+        QFile::remove(dangling);
+        QFile::remove(path(QStringLiteral("made.txt")));
+        QVERIFY(QFile::link(QStringLiteral("made.txt"), dangling));
+        QVERIFY(c.docs().SaveFile(dangling, 1));
+        QVERIFY(QFileInfo(dangling).isSymLink());
+        QCOMPARE(fileBytes(path(QStringLiteral("made.txt"))), QByteArray("new words"));
+        // A loop of links is a path/file access error and creates nothing.
+        const QString loopA = path(QStringLiteral("loop-a.txt"));
+        const QString loopB = path(QStringLiteral("loop-b.txt"));
+        QFile::remove(loopA);
+        QFile::remove(loopB);
+        QVERIFY(QFile::link(QStringLiteral("loop-b.txt"), loopA));
+        QVERIFY(QFile::link(QStringLiteral("loop-a.txt"), loopB));
+        QVERIFY(!c.docs().SaveFile(loopA, 1));
+        QCOMPARE(c.boxes().last().title, QStringLiteral("File Access Error 75"));
+        QVERIFY(QFileInfo(loopA).isSymLink());
+    }
+
     void commandLineConvert()
     {
 #ifndef KVRTB_CLI

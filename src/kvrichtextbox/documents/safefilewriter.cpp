@@ -51,6 +51,31 @@ mode_t currentUmask()
     return 022;
 }
 
+/// Follows \a path through symbolic links, each read relative to its own folder, to the file
+/// they end at, which need not exist (a dangling link names the file to create). Gives 0, or
+/// ELOOP for a cycle or a chain too long to follow.
+int resolveLinks(const QString &path, QString *resolved)
+{
+    QString current = path;
+    for (int hops = 0; hops < 40; ++hops) {
+        const QFileInfo info(current);
+        if (!info.isSymLink()) {
+            *resolved = current;
+            return 0;
+        }
+        const QByteArray native = QFile::encodeName(current);
+        QByteArray link(4096, '\0');
+        const ssize_t n = ::readlink(native.constData(), link.data(), size_t(link.size()));
+        if (n < 0)
+            return errno;
+        link.truncate(n);
+        const QString next = QFile::decodeName(link);
+        // Not tidied up: ".." after a linked folder means that folder's parent to the system.
+        current = QDir::isAbsolutePath(next) ? next : info.absolutePath() + QLatin1Char('/') + next;
+    }
+    return ELOOP;
+}
+
 /// The temporary file beside the target: closed and removed on every path unless it was
 /// renamed over the target.
 class TemporaryFile {
@@ -138,14 +163,10 @@ SafeFileWriter::Result SafeFileWriter::write(const QString &path, const QByteArr
 {
     if (path.isEmpty())
         return failure(ENOENT);
-    QFileInfo info(path);
-    // Replace the file a link names, not the link.
-    QString target = info.absoluteFilePath();
-    if (info.isSymLink()) {
-        const QString linked = info.symLinkTarget();
-        if (!linked.isEmpty())
-            target = linked;
-    }
+    // Replace the file a link names (through any chain of links), not the link.
+    QString target;
+    if (const int error = resolveLinks(QFileInfo(path).absoluteFilePath(), &target))
+        return failure(error);
     const QByteArray nativeTarget = QFile::encodeName(target);
 
     struct stat existing {};

@@ -13,8 +13,9 @@ namespace kvrtb {
 /// permissions (or those a new file would get), and the new file is renamed over the target;
 /// the folder is flushed too. A target whose own permissions forbid writing is never replaced,
 /// although the rename into a writable folder would succeed, nor is a folder, pipe, socket or
-/// device in the target's place (error 75). Symbolic links are followed: the file they name
-/// is replaced, the link stays.
+/// device in the target's place (error 75). Symbolic links are followed, chains
+/// of them too: the file they end at is replaced (or created, for a dangling link), the links
+/// stay.
 class SafeFileWriter {
 public:
     struct Result {

@@ -8,6 +8,7 @@
 #include "control/propertytable.h"
 #include "control/recordingplatformservices.h"
 #include "control/threadstate.h"
+#include "spelling/wordlists.h"
 
 #include <QAbstractScrollArea>
 #include <QFile>
@@ -155,6 +156,7 @@ private slots:
     void wordWrapSetsMyWrapStyle();
     void createShowResizeDestroyDoesNotGrow();
     void membersReachTheirAreas();
+    void completionsRequestedByInput();
 
 private:
     RecordingPlatformServices m_services;
@@ -854,6 +856,35 @@ void TestControl::membersReachTheirAreas()
     QVERIFY(control.GetWordsThatStartWith(prefix, words, 3));
     QVERIFY(!words.isEmpty());
     QVERIFY(words.first().startsWith(QStringLiteral("aardvark")));
+}
+
+void TestControl::completionsRequestedByInput()
+{
+    // With the desktop's services, the click or key that made the host ask is input already
+    // handled, not input waiting: no completion may be passed over because of it.
+    QWidget host;
+    auto *control = new KvRTB(&host);
+    host.resize(300, 200);
+    host.show();
+    QWidget *editor = control->RichTextBox1().widget();
+    QTest::keyClick(editor, Qt::Key_Z);
+    QTest::mouseClick(editor, Qt::LeftButton);
+    QString prefix = QStringLiteral("zul");
+    QStringList words;
+    QVERIFY(control->GetWordsThatStartWith(prefix, words, 1));
+    QCOMPARE(words, QStringList{QStringLiteral("Zulu")});
+
+    QTest::keyClick(editor, Qt::Key_B);
+    prefix = QStringLiteral("ab");
+    bool found = false;
+    QVERIFY(QMetaObject::invokeMethod(control, "GetWordsThatStartWith", Q_RETURN_ARG(bool, found),
+                                      Q_ARG(QString &, prefix), Q_ARG(QStringList &, words), Q_ARG(int, 2)));
+    QVERIFY(found);
+    QString plainPrefix = QStringLiteral("ab");
+    QStringList expected;
+    QVERIFY(WordLists::GetWordsThatStartWith(plainPrefix, expected, 2));
+    QCOMPARE(expected.size(), 2);
+    QCOMPARE(words, expected);
 }
 
 QTEST_MAIN(TestControl)

@@ -151,6 +151,9 @@ void KvRTB::GoToEmailClient(const QString &MyEmail, QString *MyErrorData)
 bool KvRTB::GetWordsThatStartWith(QString &MyStartingLetters, QStringList &MyReturnArray, int ReturnLimit)
 {
     PlatformServices &services = core().services();
+    // Input handled before the search starts (the key or click that made the host ask) is not
+    // input waiting for it; only input that arrives while the search yields passes words over.
+    services.hasPendingInput();
     WordLists::CompletionHooks hooks;
     hooks.hasPendingInput = [&services] { return services.hasPendingInput(); };
     hooks.yieldToEventLoop = [&services] { services.processEvents(); };

@@ -449,21 +449,27 @@ private slots:
     void saveFailures_data()
     {
         QTest::addColumn<QString>("target");
+        QTest::addColumn<int>("type");
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("text");
         const QString general = QStringLiteral("Cannot Save File an error has occured!");
-        QTest::newRow("read-only file") << QStringLiteral("readonly.rtf") << QStringLiteral("File is Read-only")
+        QTest::newRow("read-only file") << QStringLiteral("readonly.rtf") << 0 << QStringLiteral("File is Read-only")
                                         << QStringLiteral("Cannot Rewrite or Save: File is Read-only");
-        QTest::newRow("missing folder") << QStringLiteral("no/such/folder.rtf") << QStringLiteral("File Access Error 76")
-                                        << general;
-        QTest::newRow("folder in the way") << QStringLiteral("sub") << QStringLiteral("File Access Error 75") << general;
+        QTest::newRow("missing folder") << QStringLiteral("no/such/folder.rtf") << 0
+                                        << QStringLiteral("File Access Error 76") << general;
+        QTest::newRow("folder in the way") << QStringLiteral("sub") << 0 << QStringLiteral("File Access Error 75")
+                                           << general;
+        QTest::newRow("unknown type") << QStringLiteral("new.rtf") << 9 << QStringLiteral("File Access Error 5")
+                                      << general;
     }
 
     void saveFailures()
     {
         QFETCH(QString, target);
+        QFETCH(int, type);
         QFETCH(QString, title);
         QFETCH(QString, text);
+        QFile::remove(path(QStringLiteral("new.rtf")));
         const QString readOnly = path(QStringLiteral("readonly.rtf"));
         QFile::setPermissions(readOnly, QFile::ReadOwner | QFile::WriteOwner);
         QVERIFY(writeBytes(readOnly, "{\\rtf1 original}"));
@@ -472,14 +478,39 @@ private slots:
 
         Control c;
         c.surface().setText(QStringLiteral("new words"));
-        QVERIFY(!c.docs().SaveFile(path(target), 0));
+        QVERIFY(!c.docs().SaveFile(path(target), type));
         QCOMPARE(c.boxes().size(), 1);
         QCOMPARE(c.boxes().first().title, title);
         QCOMPARE(c.boxes().first().text, text);
         QCOMPARE(c.boxes().first().icon, int(MessageIcon::Information));
         QCOMPARE(fileBytes(readOnly), QByteArray("{\\rtf1 original}"));
         QVERIFY(SafeFileWriter::isReadOnlyFile(readOnly));
+        QVERIFY(!QFile::exists(path(QStringLiteral("new.rtf"))));
         QVERIFY(c.surface().isModified());
+    }
+
+    void errorNumbers_data()
+    {
+        QTest::addColumn<int>("osError");
+        QTest::addColumn<bool>("reading");
+        QTest::addColumn<int>("number");
+        // Forbidden access is a path/file access error; "permission denied" means another
+        // program holds the file.
+        QTest::newRow("access forbidden") << EACCES << false << FileError::PathFileAccess;
+        QTest::newRow("not permitted") << EPERM << true << FileError::PathFileAccess;
+        QTest::newRow("read-only file system") << EROFS << false << FileError::PathFileAccess;
+        QTest::newRow("busy") << EAGAIN << true << FileError::PermissionDenied;
+        QTest::newRow("missing file") << ENOENT << true << FileError::FileNotFound;
+        QTest::newRow("missing folder") << ENOENT << false << FileError::PathNotFound;
+        QTest::newRow("disk full") << ENOSPC << false << FileError::DiskFull;
+    }
+
+    void errorNumbers()
+    {
+        QFETCH(int, osError);
+        QFETCH(bool, reading);
+        QFETCH(int, number);
+        QCOMPARE(FileError::fromErrno(osError, reading), number);
     }
 
     void failedSaveKeepsThePreviousFile()

@@ -24,6 +24,7 @@ constexpr int kTypeText = 1;
 constexpr int kTypeDocument = 2;
 
 const QString kCrLf = QStringLiteral("\r\n");
+const QString kSaveFailedText = QStringLiteral("Cannot Save File an error has occured!");
 
 /// Number of description|pattern rows of a dialog filter.
 int filterRows(const QString &filter)
@@ -271,12 +272,11 @@ bool Documents::write(const QString &path, bool asText)
         return true;
     }
     fail(result.error, result.reason);
-    const QString text = QStringLiteral("Cannot Save File an error has occured!");
     if (result.error == FileError::PathFileAccess && result.readOnly)
         m_core.services().messageBox(QStringLiteral("Cannot Rewrite or Save: File is Read-only"), MessageButtons::OK,
                                      MessageIcon::Information, QStringLiteral("File is Read-only"));
     else
-        m_core.services().messageBox(text, MessageButtons::OK, MessageIcon::Information,
+        m_core.services().messageBox(kSaveFailedText, MessageButtons::OK, MessageIcon::Information,
                                      QStringLiteral("File Access Error %1").arg(result.error));
     return false;
 }
@@ -284,7 +284,10 @@ bool Documents::write(const QString &path, bool asText)
 bool Documents::SaveFile(const QString &bstrFilename, int vFlags)
 {
     if (vFlags < kTypeRtf || vFlags > kTypeDocument) {
+        // A failed save like any other: its box, and nothing written.
         fail(FileError::InvalidCall, QStringLiteral("Unknown file type %1.").arg(vFlags));
+        m_core.services().messageBox(kSaveFailedText, MessageButtons::OK, MessageIcon::Information,
+                                     QStringLiteral("File Access Error %1").arg(m_lastError));
         return false;
     }
     const bool asText = vFlags == kTypeText;

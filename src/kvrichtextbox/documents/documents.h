@@ -50,7 +50,7 @@ public:
     QVariant LoadFileRTBOriginal(const QString &bstrFilename, int vFileType = 0);
     /// Writes the document as RTF (types 0 and 2) or text (type 1). Saving formatted text as
     /// text asks first, and No saves nothing. A failure shows its box ("File is Read-only" or
-    /// "File Access Error N") and gives false. A type outside 0 to 2 gives false (error 5).
+    /// "File Access Error N") and gives false; so does a type outside 0 to 2 (error 5).
     bool SaveFile(const QString &bstrFilename, int vFlags = 0);
 
     /// Shows the open dialog and loads the chosen file by filter index (1 control document,

@@ -16,8 +16,6 @@ int fromErrno(int osError, bool reading)
     case ENOSPC:
     case EDQUOT:
         return DiskFull;
-    case EACCES:
-    case EPERM:
     case EBUSY:
     case ETXTBSY:
     case EAGAIN:
@@ -36,8 +34,9 @@ int fromErrno(int osError, bool reading)
     case EINVAL:
         return InvalidCall;
     default:
-        // A directory in place of the file, a read-only file system, a loop of links and the
-        // rest are "path/file access" errors.
+        // Permissions that forbid the access, a directory in place of the file, a read-only
+        // file system, a loop of links and the rest are "path/file access" errors; "permission
+        // denied" (70) is kept for a file another program holds.
         return PathFileAccess;
     }
 }

@@ -4,6 +4,7 @@
 #include "commandregistry.h"
 #include "documentconvert.h"
 
+#include "documents/textfileformat.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
 
@@ -45,7 +46,7 @@ QString loadDocument(const QString &path, QTextDocument &doc)
         const kvrtb::rtf::ReadResult result = kvrtb::rtf::readRtf(doc, bytes);
         return result.ok ? QString() : QStringLiteral("\"%1\" is not a readable RTF file: %2").arg(path, result.error);
     }
-    case Format::Text: doc.setPlainText(QString::fromUtf8(bytes)); return QString();
+    case Format::Text: doc.setPlainText(kvrtb::TextFileFormat::decode(bytes)); return QString();
     case Format::Html: doc.setHtml(QString::fromUtf8(bytes)); return QString();
     case Format::Markdown: doc.setMarkdown(QString::fromUtf8(bytes)); return QString();
     case Format::Odt: return QStringLiteral("cannot read \"%1\": OpenDocument files can be written, not read").arg(path);
@@ -113,6 +114,9 @@ int runConvert(const QStringList &arguments)
         kvrtb::cli::printErr(QStringLiteral("Usage: kvrtb convert [--yes|--no] INPUT OUTPUT\n"));
         return 2;
     }
+    // Whatever the output, an enciphered input cannot be read.
+    if (kvrtb::cli::refuseEnciphered(args[0]))
+        return 1;
     // Between the control's own types (.rtf, .txt, .mbdf) the control loads and saves, as a
     // host would: encodings and line ends of text files kept, failed saves leave the target.
     if (kvrtb::cli::controlFileType(args[0]) >= 0 && kvrtb::cli::controlFileType(args[1]) >= 0)

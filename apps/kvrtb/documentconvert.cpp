@@ -21,13 +21,19 @@ int controlFileType(const QString &path)
     return -1;
 }
 
+bool refuseEnciphered(const QString &input)
+{
+    if (!Documents::IsFileEncrypted(input))
+        return false;
+    printErr(QStringLiteral("kvrtb convert: \"%1\" is an enciphered document; the application that "
+                            "enciphered it must decipher it first\n").arg(input));
+    return true;
+}
+
 int convertThroughControl(const QString &input, const QString &output, MessageAnswer answer)
 {
-    if (Documents::IsFileEncrypted(input)) {
-        printErr(QStringLiteral("kvrtb convert: \"%1\" is an enciphered document; the application that "
-                                "enciphered it must decipher it first\n").arg(input));
+    if (refuseEnciphered(input))
         return 1;
-    }
     HeadlessControl control;
     control.services.questionAnswer = answer;
     Documents &documents = control.core.documents();

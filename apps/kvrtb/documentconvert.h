@@ -10,6 +10,10 @@ namespace kvrtb::cli {
 /// 2 ".mbdf" (the control's own document); -1 for any other.
 int controlFileType(const QString &path);
 
+/// True, after saying so on standard error, when \a input is an enciphered document, which
+/// no conversion reads.
+bool refuseEnciphered(const QString &input);
+
 /// \brief Converts \a input to \a output through a control without a window, with the
 /// control's own `LoadFile` and `SaveFile`, so the command line behaves as the control does.
 ///

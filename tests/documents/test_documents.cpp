@@ -331,6 +331,7 @@ private slots:
         QTest::newRow("utf8 bom lf") << QByteArray("\xEF\xBB\xBFone\ntwo\n");
         QTest::newRow("windows-1252 cr") << QByteArray("don\x92t\rstop \xE9");
         QTest::newRow("utf16le") << QByteArray("\xFF\xFEo\0k\0\r\0\n\0", 10);
+        QTest::newRow("utf16be lf") << QByteArray("\xFE\xFF\0o\0k\0\n\0\xE9", 10);
     }
 
     void textFileRoundTrip()
@@ -920,6 +921,20 @@ private slots:
         QCOMPARE(convert({path(QStringLiteral("cli.mbdf")), path(QStringLiteral("cli-x.rtf"))}, &errors), 1);
         QVERIFY(errors.contains(QLatin1String("enciphered")));
         QVERIFY(!QFile::exists(path(QStringLiteral("cli-x.rtf"))));
+        // ... whatever the output type.
+        QCOMPARE(convert({path(QStringLiteral("cli.mbdf")), path(QStringLiteral("cli-x.html"))}, &errors), 1);
+        QVERIFY(errors.contains(QLatin1String("enciphered")));
+        QVERIFY(!QFile::exists(path(QStringLiteral("cli-x.html"))));
+
+        // Other encodings and line ends come out as they went in.
+        for (const QByteArray &other : {QByteArray("\xFF\xFEo\0k\0\n\0\xE9\0", 10), QByteArray("don\x92t\rstop")}) {
+            QVERIFY(writeBytes(path(QStringLiteral("cli-enc.txt")), other));
+            QCOMPARE(convert({path(QStringLiteral("cli-enc.txt")), path(QStringLiteral("cli-enc-out.txt"))}), 0);
+            QCOMPARE(fileBytes(path(QStringLiteral("cli-enc-out.txt"))), other);
+        }
+        // A save into a folder that is not there: its box on standard error, title and text.
+        QCOMPARE(convert({path(QStringLiteral("cli.txt")), path(QStringLiteral("none/out.txt"))}, &errors), 1);
+        QVERIFY(errors.contains(QLatin1String("File Access Error 76: Cannot Save File an error has occured!")));
 #endif
     }
 };

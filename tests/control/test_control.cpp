@@ -157,6 +157,7 @@ private slots:
     void createShowResizeDestroyDoesNotGrow();
     void membersReachTheirAreas();
     void completionsRequestedByInput();
+    void optionalOutArgumentsByName();
 
 private:
     RecordingPlatformServices m_services;
@@ -885,6 +886,64 @@ void TestControl::completionsRequestedByInput()
     QVERIFY(WordLists::GetWordsThatStartWith(plainPrefix, expected, 2));
     QCOMPARE(expected.size(), 2);
     QCOMPARE(words, expected);
+}
+
+void TestControl::optionalOutArgumentsByName()
+{
+    // Every member with optional out arguments (pointers in C++) has a form that a host calling
+    // by name can use: all the arguments, the optional ones as references.
+    const QMetaObject &meta = KvRTB::staticMetaObject;
+    QSet<QByteArray> signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        signatures.insert(meta.method(i).methodSignature());
+    int withPointers = 0;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        if (method.attributes() & QMetaMethod::Cloned)
+            continue; // a shorter form made from default arguments; the full form is checked
+        QList<QByteArray> types = method.parameterTypes();
+        bool pointer = false;
+        for (QByteArray &type : types) {
+            if (type.endsWith('*')) {
+                pointer = true;
+                type.replace("const ", "");
+                type.back() = '&';
+            }
+        }
+        if (!pointer)
+            continue;
+        ++withPointers;
+        const QByteArray byName = method.name() + '(' + types.join(',') + ')';
+        QVERIFY2(signatures.contains(QMetaObject::normalizedSignature(byName.constData())), byName.constData());
+    }
+    QVERIFY(withPointers >= 13);
+
+    KvRTB control(m_services);
+    control.setText(QStringLiteral("first\nsecond"));
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("lines.txt"));
+    QVERIFY(control.SaveFile(path, rtfText));
+    control.setText(QString());
+    bool links = false;
+    bool opened = false;
+    QVERIFY(QMetaObject::invokeMethod(&control, "LoadFile", Q_ARG(QString, path), Q_ARG(kvrtb::QFileType, rtfText),
+                                      Q_ARG(bool &, links), Q_ARG(bool &, opened)));
+    QVERIFY(opened);
+    QCOMPARE(control.GetTextString(), QStringLiteral("first\nsecond"));
+    opened = true;
+    QVERIFY(QMetaObject::invokeMethod(&control, "LoadFile", Q_ARG(QString, dir.filePath(QStringLiteral("none.txt"))),
+                                      Q_ARG(kvrtb::QFileType, rtfText), Q_ARG(bool &, links), Q_ARG(bool &, opened)));
+    QVERIFY(!opened);
+
+    control.RichTextBox1().setSelection(8, 0);
+    int lineStart = 0;
+    int lineLength = 0;
+    QString line;
+    QVERIFY(QMetaObject::invokeMethod(&control, "GetLineText", Q_RETURN_ARG(QString, line),
+                                      Q_ARG(int &, lineStart), Q_ARG(int &, lineLength)));
+    QCOMPARE(line, QStringLiteral("second"));
+    QCOMPARE(lineStart, 7); // 1-based
+    QCOMPARE(lineLength, 6);
 }
 
 QTEST_MAIN(TestControl)

@@ -481,6 +481,28 @@ public slots:
     void PointToWhatsThisHelpFile();
     QString GetHelpFile(bool NoColonFilePath = false);
 
+    // --- By-name forms of the members with optional out arguments ---------------------------
+    // A host calling by name cannot pass a pointer; these overloads take every argument, the
+    // optional ones as references (Q_ARG(bool &, ok) and the like), and write them back. They
+    // behave exactly like the members above.
+    void LoadFile(const QString &bstrFilename, kvrtb::QFileType vFileType, bool &TXTLinks, bool &OpenSuccess);
+    QString CommonDialogFileOpen(QString &DefaultDirectory, QString &CustomFilter, bool &TextWLinks,
+                                 short &ShowFilterIndex, short &FindexRet, short &MyErr, bool &OpenSuccess,
+                                 QString &Title);
+    QString CommonDialogFileSave(QString &DefaultDirectory, QString &FileNameSTR, bool &PromptOverWrite,
+                                 QString &CustomFilter, short &ShowFilterIndex, short &FindexRet, short &MyErr,
+                                 QString &Title, bool &SaveSuccess);
+    void OpenDecryptedFile(QString &MyFileName, short &MyIndex, bool &TextWLinks, bool &OpenSuccess, short &MyErr);
+    QString GetLineText(int &LineStart, int &LineLength);
+    void GoToWebsite(const QString &MyWebSite, QString &MyErrorData);
+    void GoToEmailClient(const QString &MyEmail, QString &MyErrorData);
+    int CommonDialogPrint(short &MyErr);
+    void CommonDialogFontSelect(short &MyErr);
+    uint CommonDialogColor(bool &UserCancelQ, bool UseOrigONCancel, uint MyOrgigColor, short &MyErr);
+    uint CommonDialogFontColor(const QVariant &MyOrgigColor, short &MyErr);
+    uint CommonDialogSelFontColor(const QVariant &CurrentColor, short &MyErr);
+    uint CommonDialogSelColor(const QVariant &CurrentColor, short &MyErr);
+
 signals:
     void Click();
     void DblClick();

@@ -514,6 +514,20 @@ private slots:
         QCOMPARE(FileError::fromErrno(osError, reading), number);
     }
 
+    void longestNamesCanBeSaved()
+    {
+        // Names at the system's limit of 255 bytes, in ASCII and with two-byte characters.
+        const QString ascii = QString(251, QLatin1Char('n')) + QStringLiteral(".txt");
+        const QString accented = QString(125, QChar(0x00E9)) + QStringLiteral("n.txt");
+        for (const QString &name : {ascii, accented}) {
+            QCOMPARE(QFile::encodeName(name).size(), 255);
+            Control c;
+            c.surface().setText(QStringLiteral("kept"));
+            QVERIFY2(c.docs().SaveFile(path(name), 1), qPrintable(c.docs().lastErrorReason()));
+            QCOMPARE(fileBytes(path(name)), QByteArray("kept"));
+        }
+    }
+
     void failedSaveKeepsThePreviousFile()
     {
         const QString file = path(QStringLiteral("precious.txt"));

@@ -188,8 +188,20 @@ SafeFileWriter::Result SafeFileWriter::write(const QString &path, const QByteArr
 
     const QFileInfo targetInfo(target);
     const QString folder = targetInfo.absolutePath();
-    TemporaryFile temp(QFile::encodeName(folder + QStringLiteral("/.") + targetInfo.fileName()
-                                         + QStringLiteral(".kvrtb-XXXXXX")));
+    // The temporary file's name is the target's, shortened so that the dot and the suffix
+    // still fit in the system's limit on a name (255 bytes) for a target name at that limit.
+    QByteArray stem = QFile::encodeName(targetInfo.fileName());
+    const QByteArray suffix = ".kvrtb-XXXXXX";
+    const int room = 255 - 1 - int(suffix.size());
+    if (stem.size() > room) {
+        stem.truncate(room);
+        // Do not cut a UTF-8 sequence in two.
+        while (!stem.isEmpty() && (uchar(stem.back()) & 0xC0) == 0x80)
+            stem.chop(1);
+        if (!stem.isEmpty() && (uchar(stem.back()) & 0x80))
+            stem.chop(1);
+    }
+    TemporaryFile temp(QFile::encodeName(folder) + "/." + stem + suffix);
     if (temp.fd() < 0)
         return failure(errno);
     if (const int error = writeAll(temp.fd(), bytes))

@@ -8,6 +8,7 @@
 #include "surface/surfacetextedit.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextDocument>
@@ -594,6 +595,23 @@ private slots:
         QCOMPARE(filters, (QStringList{QStringLiteral("Mobbit Document File (*.mbdf)"),
                                        QStringLiteral("Text Files (*.txt)"), QStringLiteral("All (*.a *.b)")}));
         QVERIFY(QtPlatformServices::qtFilters(QStringLiteral("odd")).isEmpty());
+    }
+
+    void pendingInputCountsOnlyInputDuringAYield()
+    {
+        QtPlatformServices services;
+        QWidget target;
+        // Input handled before a pass (the key that started it) is not pending.
+        QKeyEvent before(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+        QApplication::sendEvent(&target, &before);
+        QVERIFY(!services.hasPendingInput());
+        // Input that arrives while the pass yields is, once.
+        QCoreApplication::postEvent(&target, new QKeyEvent(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, QStringLiteral("b")));
+        services.processEvents();
+        QVERIFY(services.hasPendingInput());
+        QVERIFY(!services.hasPendingInput());
+        services.processEvents(); // a quiet yield
+        QVERIFY(!services.hasPendingInput());
     }
 
     void recordingServicesAnswerFromTheScript()

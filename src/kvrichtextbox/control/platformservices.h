@@ -99,7 +99,8 @@ public:
     virtual void playClickSound() = 0;
     /// Shows (true) or removes (false) the busy pointer; calls nest.
     virtual void setBusy(bool busy) = 0;
-    /// True when user input (keys, mouse) is waiting to be handled.
+    /// True when the user gave input (keys, mouse) during the last `processEvents` yield that
+    /// has not been asked about yet; input from before a pass does not count.
     virtual bool hasPendingInput() = 0;
     /// Lets the event loop handle what is waiting (repaints, input, timers).
     virtual void processEvents() = 0;

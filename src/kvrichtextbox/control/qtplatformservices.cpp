@@ -18,8 +18,9 @@ namespace kvrtb {
 QtPlatformServices::QtPlatformServices(QWidget *dialogParent) : m_parent(dialogParent)
 {
     // Qt cannot tell whether input is queued before it is dispatched. Long passes yield through
-    // processEvents() and then ask hasPendingInput(): input that arrived during the yield is
-    // what they must make way for, so an application filter notes every input event.
+    // processEvents() and then ask hasPendingInput(): input that the user gave during the yield
+    // is what they must make way for, so an application filter notes input events handled while
+    // yielding. Input before the pass (the click or key that started it) does not count.
     if (qApp)
         qApp->installEventFilter(this);
 }
@@ -38,7 +39,8 @@ bool QtPlatformServices::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseButtonDblClick:
     case QEvent::Wheel:
     case QEvent::InputMethod:
-        m_inputSeen = true;
+        if (m_yielding)
+            m_inputSeen = true;
         break;
     default:
         break;
@@ -201,7 +203,10 @@ bool QtPlatformServices::hasPendingInput()
 
 void QtPlatformServices::processEvents()
 {
+    const bool nested = m_yielding;
+    m_yielding = true;
     QCoreApplication::processEvents();
+    m_yielding = nested;
 }
 
 namespace {

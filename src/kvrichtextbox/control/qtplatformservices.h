@@ -45,7 +45,8 @@ private:
 
     QPointer<QWidget> m_parent;
     int m_busyDepth = 0;
-    bool m_inputSeen = false;
+    bool m_inputSeen = false; ///< input handled during a yield, not yet asked about
+    bool m_yielding = false;
 };
 
 } // namespace kvrtb

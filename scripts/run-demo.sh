@@ -11,7 +11,7 @@ fi
 picture="$root/build/kvrtb-demo.png"
 echo "No display found (neither DISPLAY nor WAYLAND_DISPLAY is set): the demo window cannot be shown here."
 echo "Rendering it offscreen instead."
-QT_QPA_PLATFORM=offscreen "$root/build/apps/demo/kvrtb-demo" --screenshot "$picture" 2>/dev/null
+QT_QPA_PLATFORM=offscreen "$root/build/apps/demo/kvrtb-demo" --screenshot "$picture" "$@" 2>/dev/null
 echo
 echo "The command-line tool works without a display:"
 "$root/build/apps/kvrtb/kvrtb" --help || true

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFile>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
@@ -88,6 +89,21 @@ private:
             setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
     }
 
+public:
+    /// Loads a file by its name: RTF when it starts as RTF, text (with links) otherwise.
+    void openFile(const QString &path)
+    {
+        QFile file(path);
+        const bool rtf = file.open(QIODevice::ReadOnly) && file.read(5) == "{\\rtf";
+        file.close();
+        bool links = true;
+        bool opened = false;
+        m_editor->LoadFile(path, rtf ? kvrtb::rtfRTF : kvrtb::rtfText, &links, &opened);
+        if (opened)
+            setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
+    }
+
+private:
     void save()
     {
         bool saved = false;
@@ -111,10 +127,14 @@ int main(int argc, char *argv[])
     QCommandLineOption screenshot(QStringLiteral("screenshot"), QStringLiteral("Render the window to a PNG file and exit."),
                                   QStringLiteral("file"));
     parser.addOption(screenshot);
+    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("An RTF or text file to open instead of the sample."),
+                                 QStringLiteral("[file]"));
     parser.process(app);
 
     DemoWindow window;
     window.resize(720, 420);
+    if (!parser.positionalArguments().isEmpty())
+        window.openFile(parser.positionalArguments().first());
     window.show();
 
     if (parser.isSet(screenshot)) {

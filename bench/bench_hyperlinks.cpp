@@ -77,13 +77,32 @@ int main(int argc, char *argv[])
         marked += core.surface().rangeCharFormat(m.start, m.length).hasLinkMarker() ? 1 : 0;
     std::printf("HyperLinkDocument, 2 MB, 20,000:  %8.1f ms  (goal < 300; %d of %d marked)\n", linking, marked, found);
 
-    // The pass run on every key release: it writes the whole RTF to apply the large-document
-    // rule before it looks at the caret's line.
-    core.surface().setSelStart(core.surface().textLength() / 2);
+    // The pass run on every key release. It applies the large-document rule first: the RTF
+    // is written only when the document changed since the last pass and its text alone does
+    // not already exceed the limit.
+    const auto currentLinePass = [&](const char *what) {
+        core.properties().DetectHyperLinks = true;
+        core.surface().setSelStart(core.surface().textLength() / 2);
+        timer.restart();
+        core.hyperlinks().HyperLinkCurrentLine();
+        std::printf("HyperLinkCurrentLine, %-26s %8.1f ms  (text %d, linking %s)\n", what, ms(timer),
+                    core.surface().textLength(), core.properties().DetectHyperLinks ? "kept" : "switched off");
+    };
+    currentLinePass("2 MB, RTF above limit:");
+    core.surface().setText(documentWithAddresses(1024 * 1024, 10000));
+    currentLinePass("1 MB, after an edit:");
+    currentLinePass("1 MB, after its own links:");
+    core.hyperlinks().IsDocumentTooLargeForLinking(); // the pass changed the document: its RTF is written
     timer.restart();
-    core.hyperlinks().HyperLinkCurrentLine();
-    std::printf("HyperLinkCurrentLine, 2 MB:       %8.1f ms  (RTF %lld characters)\n", ms(timer),
-                static_cast<long long>(core.surface().rtf().size()));
+    const bool large = core.hyperlinks().IsDocumentTooLargeForLinking();
+    std::printf("large-document rule, 1 MB, unchanged: %8.3f ms  (%s)\n", ms(timer), large ? "large" : "not large");
+    core.surface().setSelStart(10);
+    core.surface().replaceSelection(QStringLiteral("x"));
+    timer.restart();
+    core.hyperlinks().IsDocumentTooLargeForLinking();
+    std::printf("large-document rule, 1 MB, one key typed: %8.1f ms\n", ms(timer));
+    core.surface().setText(documentWithAddresses(3 * 1024 * 1024, 0));
+    currentLinePass("3 MB text:");
 
     const QString undoDoc = documentWithAddresses(5 * 1024 * 1024, 0);
     core.properties().DetectHyperLinks = false;

@@ -383,6 +383,49 @@ private slots:
         QVERIFY(!c.surface().rangeCharFormat(33, 13).hasLinkMarker());
     }
 
+    void largeDocumentLimitIsExact()
+    {
+        // A document whose RTF is exactly at the limit keeps linking; one character more, or a
+        // format change that lengthens the RTF, switches it off at the next pass, also when the
+        // change was made while the display is frozen.
+        Control c;
+        const QString paragraph = QStringLiteral("plain words and more plain words of the same kind\n");
+        QString text = paragraph.repeated(Hyperlinks::kLargeDocumentRtfLength / 200) + QLatin1Char('x');
+        c.surface().setText(text);
+        const qsizetype missing = Hyperlinks::kLargeDocumentRtfLength - c.surface().rtf().size();
+        QVERIFY(missing > 0);
+        text += QString(int(missing), QLatin1Char('x')); // plain letters in the last paragraph: one RTF character each
+        c.surface().setText(text);
+        QCOMPARE(c.surface().rtf().size(), qsizetype(Hyperlinks::kLargeDocumentRtfLength));
+        const auto passAt = [&c](int position) {
+            c.surface().setSelStart(position);
+            c.links().HyperLinkCurrentLine();
+            return c.boxes().size();
+        };
+        QCOMPARE(passAt(10), 0);
+        QCOMPARE(passAt(20), 0); // the caret moved, the document did not
+        QVERIFY(c.core.properties().DetectHyperLinks);
+
+        c.surface().freeze();
+        CharFormat bold;
+        bold.bold = true;
+        c.surface().setRangeCharFormat(0, 5, bold);
+        QCOMPARE(passAt(10), 1);
+        c.surface().unfreeze();
+        QVERIFY(!c.core.properties().DetectHyperLinks);
+
+        // A document just at the limit again, then one character typed into it.
+        Control d;
+        d.surface().setText(text);
+        d.surface().setSelStart(5);
+        d.links().HyperLinkCurrentLine();
+        QCOMPARE(d.boxes().size(), 0);
+        d.surface().setSelStart(d.surface().textLength());
+        QTest::keyClicks(d.surface().widget(), QStringLiteral("y"));
+        d.links().HyperLinkCurrentLine();
+        QCOMPARE(d.boxes().size(), 1);
+    }
+
     void caretAndScrollComeBack()
     {
         Control c;

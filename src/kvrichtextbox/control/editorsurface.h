@@ -245,6 +245,11 @@ public:
 
     // --- Modified flag and the one-step undo ------------------------------------------------
     virtual bool isModified() const = 0;
+    /// A number that changes whenever what `rtf()` writes may have changed (text, formats,
+    /// the default font); moving the selection leaves it alone. Equal numbers mean an unchanged
+    /// document, so callers may keep what they derived from it. While the surface is frozen,
+    /// every call gives a new number.
+    virtual quint64 revision() const = 0;
     virtual void setModified(bool modified) = 0;
     /// True when `undo` would change the document.
     virtual bool canUndo() const = 0;

@@ -134,7 +134,17 @@ void Hyperlinks::HyperLinkSelected(int RTBSelStart, int RTBSelectedLength)
 
 bool Hyperlinks::IsDocumentTooLargeForLinking() const
 {
-    return m_core.surface().rtf().size() > kLargeDocumentRtfLength;
+    const EditorSurface &surface = m_core.surface();
+    // Every position of the text takes at least one character of RTF.
+    if (surface.textLength() > kLargeDocumentRtfLength)
+        return true;
+    // Key releases that change nothing (caret movement, modifiers) find the length known.
+    const quint64 revision = surface.revision();
+    if (m_rtfLength < 0 || revision != m_rtfLengthRevision) {
+        m_rtfLength = surface.rtf().size();
+        m_rtfLengthRevision = revision;
+    }
+    return m_rtfLength > kLargeDocumentRtfLength;
 }
 
 void Hyperlinks::HyperLinkCurrentLine()

@@ -69,7 +69,8 @@ public:
     void EmptyEditorUndoBuffer();
 
     /// True when the document's RTF is longer than `kLargeDocumentRtfLength`: too large (or
-    /// holding pictures) for linking on every key release.
+    /// holding pictures) for linking on every key release. The RTF is written only when the
+    /// text alone does not already settle it and the document changed since the last time.
     bool IsDocumentTooLargeForLinking() const;
 
     /// Title and text of the box that says automatic linking was switched off.
@@ -84,6 +85,9 @@ private:
     void openWithDesktop(const QString &address, QString *errorData);
 
     ControlCore &m_core;
+    /// The RTF length of the document at surface revision `m_rtfLengthRevision`.
+    mutable qsizetype m_rtfLength = -1;
+    mutable quint64 m_rtfLengthRevision = 0;
 };
 
 } // namespace kvrtb

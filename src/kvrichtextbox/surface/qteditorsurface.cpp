@@ -135,6 +135,7 @@ QTextDocument *QtEditorSurface::document() const
 
 void QtEditorSurface::onContentsChange(int, int, int)
 {
+    ++m_revision;
     m_modified = true;
     markLinesDirty();
 }
@@ -834,6 +835,15 @@ void QtEditorSurface::changeCase(int kind)
 
 // --- Modified flag and undo -----------------------------------------------------------------
 
+quint64 QtEditorSurface::revision() const
+{
+    // A freeze holds the document's changes in an open edit block, whose change signals come
+    // only when it closes: no number given out meanwhile may be taken for the current state.
+    if (m_freezeCount > 0)
+        return ++m_revision;
+    return m_revision;
+}
+
 bool QtEditorSurface::isModified() const
 {
     flushBatch();
@@ -1035,6 +1045,7 @@ void QtEditorSurface::setFont(const QFont &font)
 {
     m_edit->setFont(font);
     document()->setDefaultFont(font);
+    ++m_revision; // the RTF names the default font
     markLinesDirty();
 }
 

@@ -75,6 +75,7 @@ public:
     void changeCase(int kind) override;
 
     bool isModified() const override;
+    quint64 revision() const override;
     void setModified(bool modified) override;
     bool canUndo() const override;
     void undo() override;
@@ -152,6 +153,8 @@ private:
     mutable QTextCursor m_batch;  ///< holds the edit block open while frozen
     bool m_batchOpen = false;
     int m_freezeCount = 0;
+    /// Counts document changes; see `revision`.
+    mutable quint64 m_revision = 0;
     bool m_modified = false;
     bool m_lastWasUndo = false;   ///< the next undo redoes
     bool m_undoing = false;

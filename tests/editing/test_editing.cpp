@@ -451,6 +451,36 @@ private slots:
         QCOMPARE(c.events.names.mid(c.events.names.size() - 2), (QStringList{"Finish", "Ready"}));
     }
 
+    void eventsOnEveryPath()
+    {
+        Control c;
+        // Paste with nothing to paste: Begin, then straight to Finish and Ready.
+        QApplication::clipboard()->clear();
+        if (!c.surface().canPaste()) {
+            c.edit().Paste();
+            QCOMPARE(c.events.names, (QStringList{"Begin", "Finish", "Ready"}));
+            QVERIFY(!threadState().specialUndo.available);
+            QCOMPARE(c.services.busyDepth, 0);
+        }
+
+        // HyperUndo with detection on runs the whole-document linking pass inside its own
+        // bracket, and the restored addresses come back linked.
+        c.surface().setText(QStringLiteral("write to me@host.org"));
+        if (!rtfRoundTrips(c.surface()))
+            QSKIP("the surface cannot read back the RTF it writes yet; the snapshot undo needs it");
+        c.undo().SaveSpecialUndoData();
+        c.surface().setText(QStringLiteral("gone"));
+        c.events.names.clear();
+        c.undo().HyperUndo();
+        QCOMPARE(c.surface().text(), QStringLiteral("write to me@host.org"));
+        QCOMPARE(c.events.names, (QStringList{"Begin", "Begin", "Finish", "Ready", "Finish", "Ready"}));
+        QVERIFY(c.surface().rangeCharFormat(9, 11).hasLinkMarker());
+        QVERIFY(!threadState().rewriteInProgress);
+        QCOMPARE(c.surface().freezeCount(), 0);
+        QCOMPARE(c.services.busyDepth, 0);
+        QVERIFY(!c.surface().canUndo());
+    }
+
     void specialFormatting_data()
     {
         QTest::addColumn<QString>("rtf");

@@ -1,0 +1,148 @@
+// The Qt editor surface: Span, UpTo and the case changes of the selection.
+
+#include "surface/qteditorsurface.h"
+
+#include "surface/qteditorsurface_p.h"
+
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include <algorithm>
+
+namespace kvrtb {
+
+using surfacedetail::characterAt;
+
+// --- Span, UpTo and case --------------------------------------------------------------------
+
+void QtEditorSurface::span(const QString &set, bool forward, bool negate)
+{
+    const QTextDocument *doc = document();
+    const int length = textLength();
+    const auto inRun = [&](int position) { return set.contains(characterAt(doc, position)) != negate; };
+    const QTextCursor current = cursor();
+    int start = current.selectionStart();
+    int end = current.selectionEnd();
+    if (forward) {
+        while (end < length && inRun(end))
+            ++end;
+    } else {
+        while (start > 0 && inRun(start - 1))
+            --start;
+    }
+    setSelection(start, end - start);
+}
+
+void QtEditorSurface::upTo(const QString &set, bool forward, bool negate)
+{
+    const QTextDocument *doc = document();
+    const int length = textLength();
+    const auto stopsAt = [&](int position) { return set.contains(characterAt(doc, position)) != negate; };
+    const QTextCursor current = cursor();
+    int position = forward ? current.selectionEnd() : current.selectionStart();
+    if (forward) {
+        while (position < length && !stopsAt(position))
+            ++position;
+    } else {
+        while (position > 0 && !stopsAt(position - 1))
+            --position;
+    }
+    setSelection(position, 0);
+}
+
+void QtEditorSurface::changeCase(int kind)
+{
+    if (kind != 0 && kind != 1 && kind != 2 && kind != 4 && kind != 5)
+        return;
+    QTextCursor current = cursor();
+    if (!current.hasSelection())
+        return;
+    QTextDocument *doc = document();
+    const int start = current.selectionStart();
+    const int end = current.selectionEnd();
+
+    // Where words and sentences begin depends on what stands before the selection.
+    QChar previous = start > 0 ? characterAt(doc, start - 1) : QLatin1Char('\n');
+    bool sentenceStart = true;
+    for (int p = start - 1; p >= 0; --p) {
+        const QChar c = characterAt(doc, p);
+        if (c == QLatin1Char('\n'))
+            break;
+        if (c.isSpace())
+            continue;
+        sentenceStart = c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?');
+        break;
+    }
+
+    struct Piece {
+        int start;
+        int end;
+        QTextCharFormat format;
+    };
+    QList<Piece> pieces;
+    for (QTextBlock block = doc->findBlock(start); block.isValid() && block.position() < end; block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const int from = std::max(start, fragment.position());
+            const int to = std::min(end, fragment.position() + fragment.length());
+            if (from < to)
+                pieces.append({from, to, fragment.charFormat()});
+        }
+    }
+
+    QTextCursor work(doc);
+    work.beginEditBlock();
+    int delta = 0;
+    int lastEnd = start;
+    for (const Piece &piece : pieces) {
+        // Paragraph breaks between pieces start a new sentence and a new word.
+        if (piece.start > lastEnd) {
+            previous = QLatin1Char('\n');
+            sentenceStart = true;
+        }
+        lastEnd = piece.end;
+        QTextCursor read(doc);
+        read.setPosition(piece.start + delta);
+        read.setPosition(piece.end + delta, QTextCursor::KeepAnchor);
+        const QString before = read.selectedText();
+        QString after;
+        after.reserve(before.size());
+        for (const QChar c : before) {
+            QString out(c);
+            switch (kind) {
+            case 0: out = QString(c).toLower(); break;
+            case 1: out = QString(c).toUpper(); break;
+            case 2:
+                if (c.isLetter())
+                    out = (previous.isLetter() || previous == QLatin1Char('\'')) ? QString(c).toLower()
+                                                                                 : QString(c).toUpper();
+                break;
+            case 4:
+                if (c.isLetter()) {
+                    out = sentenceStart ? QString(c).toUpper() : QString(c).toLower();
+                    sentenceStart = false;
+                } else if (c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?')) {
+                    sentenceStart = true;
+                }
+                break;
+            case 5:
+                if (c.isUpper())
+                    out = QString(c).toLower();
+                else if (c.isLower())
+                    out = QString(c).toUpper();
+                break;
+            }
+            after += out;
+            previous = c;
+        }
+        if (after != before) {
+            read.insertText(after, piece.format);
+            delta += int(after.size() - before.size());
+        }
+    }
+    work.endEditBlock();
+    setSelection(start, end - start + delta);
+}
+
+} // namespace kvrtb

@@ -1,0 +1,327 @@
+#include "surface/rtf/rtfreader_p.h"
+
+#include "surface/rtf/rtfpicture.h"
+
+#include <QCryptographicHash>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QUrl>
+
+#include <algorithm>
+#include <optional>
+
+namespace kvrtb::rtf::detail {
+
+namespace {
+
+// The address of a HYPERLINK field instruction ("HYPERLINK "url" \o "tip"", "HYPERLINK \l
+// "place""), or an empty optional when the field is of another kind.
+std::optional<QString> hyperlinkAddress(const QString &instruction)
+{
+    const QString text = instruction.trimmed();
+    if (!text.startsWith(QLatin1String("HYPERLINK"), Qt::CaseInsensitive))
+        return std::nullopt;
+    QString address;
+    QString fragment;
+    int i = 9;
+    const int n = int(text.size());
+    bool local = false;
+    while (i < n) {
+        const QChar c = text[i];
+        if (c.isSpace()) {
+            ++i;
+            continue;
+        }
+        if (c == QLatin1Char('\\')) {
+            // A switch: \l takes the next argument as the place in the document; others
+            // (\o tip, \t target, \m, \n) are skipped with their argument.
+            const QChar sw = i + 1 < n ? text[i + 1] : QChar();
+            i += 2;
+            local = sw == QLatin1Char('l');
+            const bool takesArgument = sw == QLatin1Char('l') || sw == QLatin1Char('o') || sw == QLatin1Char('t');
+            if (!takesArgument)
+                continue;
+            while (i < n && text[i].isSpace())
+                ++i;
+        }
+        QString argument;
+        if (i < n && text[i] == QLatin1Char('"')) {
+            ++i;
+            while (i < n && text[i] != QLatin1Char('"')) {
+                if (text[i] == QLatin1Char('\\') && i + 1 < n
+                    && (text[i + 1] == QLatin1Char('\\') || text[i + 1] == QLatin1Char('"')))
+                    ++i;
+                argument += text[i++];
+            }
+            ++i;
+        } else {
+            while (i < n && !text[i].isSpace())
+                argument += text[i++];
+        }
+        if (local) {
+            fragment = argument;
+            local = false;
+        } else if (address.isEmpty() && !argument.startsWith(QLatin1Char('\\'))) {
+            address = argument;
+        }
+    }
+    if (!fragment.isEmpty())
+        address += QLatin1Char('#') + fragment;
+    return address;
+}
+
+} // namespace
+
+void Reader::finishDestination(const GroupState &closing)
+{
+    if (closing.opensField && !m_fieldOfGroup.empty()) {
+        const FieldEntry field = m_fields[size_t(m_fieldOfGroup.back())];
+        m_fieldOfGroup.pop_back();
+        if (field.symbol > 0 && field.symbol < 0xFFFF && field.textMark == m_textCount && top().dest == Dest::Text)
+            addChar(char16_t(field.symbol));
+    }
+    if (!closing.destRoot)
+        return;
+    const Dest parentDest = top().dest;
+    switch (closing.dest) {
+    case Dest::FontTable:
+        if (m_fontEntry >= 0) {
+            // An entry whose name had no closing ";".
+            FontEntry &font = m_fonts[m_fontEntry];
+            if (font.name.isEmpty())
+                font.name = m_fontName.trimmed();
+            m_fontEntry = -1;
+        }
+        break;
+    case Dest::ColorTable:
+        break;
+    case Dest::FieldInst:
+        if (!m_fieldOfGroup.empty()) {
+            FieldEntry &field = m_fields[size_t(m_fieldOfGroup.back())];
+            field.instruction += m_destText;
+            if (const auto address = hyperlinkAddress(field.instruction)) {
+                field.hyperlink = true;
+                field.address = *address;
+            }
+            if (field.flags & 2)
+                field.address.clear();
+            const QString instruction = field.instruction.trimmed();
+            if (instruction.startsWith(QLatin1String("SYMBOL"), Qt::CaseInsensitive))
+                field.symbol = instruction.mid(6).trimmed().section(QLatin1Char(' '), 0, 0).toInt();
+        }
+        m_destText.clear();
+        break;
+    case Dest::Pict:
+        if (parentDest == Dest::Text || parentDest == Dest::Ignore)
+            insertPicture(m_picture);
+        m_picture = PictureBuild();
+        break;
+    case Dest::Pn:
+        top().para.pn = m_pnBuild;
+        top().para.bulletIndent = m_pnBuild.indent;
+        if (m_pnBuild.numbering != int(Numbering::Bullet) && m_pnBuild.style != int(NumberingStyle::NoNumber)) {
+            const bool close = m_pnAfter.contains(QLatin1Char(')'));
+            if (close && m_pnBefore.contains(QLatin1Char('(')))
+                top().para.pn.style = int(NumberingStyle::Parens);
+            else if (close)
+                top().para.pn.style = int(NumberingStyle::RightParen);
+            else if (m_pnAfter.contains(QLatin1Char('.')))
+                top().para.pn.style = int(NumberingStyle::Period);
+            else
+                top().para.pn.style = int(NumberingStyle::Plain);
+        } else if (m_pnBuild.numbering == int(Numbering::Bullet) && m_pnBuild.style != int(NumberingStyle::NoNumber)) {
+            const bool close = m_pnAfter.contains(QLatin1Char(')'));
+            if (close)
+                top().para.pn.style = int(m_pnBefore.contains(QLatin1Char('(')) ? NumberingStyle::Parens : NumberingStyle::RightParen);
+            else if (m_pnAfter.contains(QLatin1Char(' ')))
+                top().para.pn.style = int(NumberingStyle::Plain);
+            else
+                top().para.pn.style = int(NumberingStyle::Period);
+        }
+        break;
+    case Dest::PnTextBefore:
+        m_pnBefore += m_destText;
+        m_destText.clear();
+        break;
+    case Dest::PnTextAfter:
+        m_pnAfter += m_destText;
+        m_destText.clear();
+        break;
+    case Dest::ListLevel:
+        if (!m_lists.empty())
+            m_lists.back().levels.push_back(m_levelBuild);
+        m_levelBuild = ListLevelDef();
+        break;
+    case Dest::ListOverride:
+        if (m_overrideLs > 0)
+            m_overrideToList.insert(m_overrideLs, m_overrideListId);
+        m_overrideLs = 0;
+        m_overrideListId = 0;
+        break;
+    default:
+        break;
+    }
+}
+
+void Reader::addToDestination(const QString &s)
+{
+    switch (top().dest) {
+    case Dest::FontTable: {
+        for (const QChar c : s) {
+            if (c == QLatin1Char(';')) {
+                if (m_fontEntry >= 0) {
+                    m_fonts[m_fontEntry].name = m_fontName.trimmed();
+                    m_fontEntry = -1;
+                }
+                m_fontName.clear();
+            } else {
+                m_fontName += c;
+            }
+        }
+        break;
+    }
+    case Dest::ColorTable:
+        for (const QChar c : s) {
+            if (c != QLatin1Char(';'))
+                continue;
+            if (m_red < 0 && m_green < 0 && m_blue < 0)
+                m_colours.push_back(kAutoColour);
+            else
+                m_colours.push_back(Colour(std::clamp(m_red, 0, 255) | (std::clamp(m_green, 0, 255) << 8)
+                                           | (std::clamp(m_blue, 0, 255) << 16)));
+            m_red = m_green = m_blue = -1;
+        }
+        break;
+    case Dest::FieldInst:
+    case Dest::PnTextBefore:
+    case Dest::PnTextAfter:
+        m_destText += s;
+        break;
+    default:
+        break;
+    }
+}
+
+void Reader::insertPicture(const PictureBuild &picture)
+{
+    if (picture.data.isEmpty())
+        return;
+    flushText();
+    ensureTableState();
+    const QByteArray hash = QCryptographicHash::hash(picture.data, QCryptographicHash::Sha1).toHex();
+    const QString name = QLatin1String(kPictureResourcePrefix) + QString::fromLatin1(hash);
+    m_doc.addResource(QTextDocument::ImageResource, QUrl(name), QVariant(picture.data));
+    QTextImageFormat image;
+    image.merge(formatFor(top().ch));
+    image.setObjectType(QTextFormat::ImageObject);
+    image.setName(name);
+    image.setProperty(PictureHeader, picture.header);
+    double width = 0;
+    double height = 0;
+    if (picture.goalW > 0 && picture.goalH > 0) {
+        width = picture.goalW / 15.0;
+        height = picture.goalH / 15.0;
+    } else if (picture.image) {
+        width = picture.picW;
+        height = picture.picH;
+    } else {
+        // Metafile sizes are in hundredths of a millimetre.
+        width = picture.picW * 96.0 / 2540.0;
+        height = picture.picH * 96.0 / 2540.0;
+    }
+    width = width * std::clamp(picture.scaleX, 1, 1000) / 100.0;
+    height = height * std::clamp(picture.scaleY, 1, 1000) / 100.0;
+    if (width > 0 && height > 0) {
+        image.setWidth(width);
+        image.setHeight(height);
+    }
+    m_cursor.insertText(QString(QChar::ObjectReplacementCharacter), image);
+    m_paragraphHasContent = true;
+    m_lastWasPar = false;
+}
+
+void Reader::handleDestinationWord(Word word)
+{
+    GroupState &state = top();
+    auto open = [&](Dest dest) {
+        flushText();
+        state.dest = dest;
+        state.destRoot = true;
+        m_destText.clear();
+    };
+    switch (word) {
+    case Word::FontTbl: open(Dest::FontTable); m_fontEntry = -1; m_fontName.clear(); break;
+    case Word::ColorTbl: open(Dest::ColorTable); m_colours.clear(); m_red = m_green = m_blue = -1; break;
+    case Word::Field:
+        flushText();
+        m_fields.push_back(FieldEntry());
+        m_fields.back().textMark = m_textCount;
+        m_fieldOfGroup.push_back(int(m_fields.size()) - 1);
+        state.opensField = true;
+        state.dest = Dest::Ignore;
+        break;
+    case Word::FldInst: open(Dest::FieldInst); break;
+    case Word::FldRslt: {
+        state.dest = Dest::Text;
+        int link = -1;
+        if (!m_fieldOfGroup.empty()) {
+            const FieldEntry &field = m_fields[size_t(m_fieldOfGroup.back())];
+            if (field.hyperlink)
+                link = m_fieldOfGroup.back();
+        }
+        // The result of another kind of field keeps the enclosing link, if any.
+        if (link >= 0)
+            state.ch.link = link;
+        break;
+    }
+    case Word::Pict:
+        open(Dest::Pict);
+        m_picture = PictureBuild();
+        break;
+    case Word::NestTableProps:
+        // Some writers close it only after the nested row's text, which is document text.
+        state.nestedTableProps = true;
+        [[fallthrough]];
+    case Word::ShpPict:
+    case Word::Ud:
+    case Word::Result:
+        if (state.dest == Dest::Ignore || state.dest == Dest::Upr)
+            state.dest = Dest::Text;
+        break;
+    case Word::Object:
+        flushRun();
+        state.dest = Dest::Ignore;
+        break;
+    case Word::PnDest:
+        open(Dest::Pn);
+        m_pnBuild = PnState();
+        m_pnBuild.numbering = int(Numbering::Arabic);
+        m_pnBuild.style = int(NumberingStyle::Plain);
+        m_pnBefore.clear();
+        m_pnAfter.clear();
+        break;
+    case Word::PnTxtA: open(Dest::PnTextAfter); break;
+    case Word::PnTxtB: open(Dest::PnTextBefore); break;
+    case Word::ListTable: open(Dest::ListTable); break;
+    case Word::ListDest:
+        open(Dest::List);
+        m_lists.push_back(ListDef());
+        break;
+    case Word::ListLevel: open(Dest::ListLevel); m_levelBuild = ListLevelDef(); break;
+    case Word::LevelText: open(Dest::LevelText); m_levelBuild.text.clear(); break;
+    case Word::ListOverrideTable: open(Dest::ListOverrideTable); break;
+    case Word::ListOverride: open(Dest::ListOverride); break;
+    case Word::Upr: flushRun(); state.dest = Dest::Upr; break;
+    case Word::NonShpPict:
+    case Word::PnText:
+    case Word::ListText:
+    case Word::SkipDest:
+        flushText();
+        state.dest = Dest::Skip;
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace kvrtb::rtf::detail

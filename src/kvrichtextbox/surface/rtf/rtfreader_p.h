@@ -1,0 +1,342 @@
+#pragma once
+
+// Internal types of the RTF reader, shared by its source files: the control words, the state each
+// group carries, the tables read from the header (fonts, colours, lists) and the Reader itself.
+// rtfreader.cpp holds the entry points; the Reader's parts live in rtfreader_tokenizer.cpp (bytes
+// to control words and text), rtfreader_groups.cpp (the group stack and the property words),
+// rtfreader_text.cpp (decoding and text runs), rtfreader_paragraphs.cpp (paragraph formats and
+// lists), rtfreader_destinations.cpp (font and colour tables, fields, pictures, list tables) and
+// rtfreader_tables.cpp (tables).
+
+#include "surface/formatmapping.h"
+#include "surface/rtf/codepage.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QTextCharFormat>
+
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+class QTextCursor;
+class QTextDocument;
+class QTextList;
+class QTextTable;
+
+namespace kvrtb::rtf::detail {
+
+// Groups deeper than this are skipped whole: real documents stay below it (mail programs that
+// wrap HTML in RTF reach a few thousand), and a hostile file cannot make the stack grow without
+// bound.
+constexpr int kMaxDepth = 10000;
+constexpr int kMaxUnicodeSkip = 16;
+
+enum class Dest : quint8 {
+    Text,         // document text
+    Skip,         // ignored with everything inside
+    FontTable,
+    ColorTable,
+    FieldInst,
+    Pict,
+    Pn,           // legacy paragraph numbering
+    PnTextBefore,
+    PnTextAfter,
+    ListTable,
+    List,
+    ListLevel,
+    LevelText,
+    ListOverrideTable,
+    ListOverride,
+    Upr,          // the ANSI half of \upr: text ignored until \ud
+    Ignore,       // text ignored, control words still read (\field, \object shells)
+};
+
+enum class Word : quint16 {
+    Unknown,
+    // destinations
+    Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
+    PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
+    ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, SkipDest,
+    // document
+    Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
+    // font table
+    F, FCharset, Cpg,
+    // colours
+    Red, Green, Blue,
+    // characters
+    Plain, B, I, Ul, UlD, UlDash, UlDashD, UlDashDD, UlWave, UlNone, Strike, StrikeD, Cf, Cb,
+    Highlight, ChCbPat, Fs, Super, Sub, NoSuperSub, Up, Dn, Protect, Lang, V, KvOffset,
+    // paragraphs
+    Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
+    KvBulletIndent,
+    // legacy numbering
+    PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
+    PnIndent,
+    // list table
+    ListId, LevelNfc, LevelNfcN, LevelStartAt,
+    // special characters and breaks
+    Par, Line, Tab, Cell, NestCell, Row, NestRow, Page, Sect, EmDash, EnDash, LQuote, RQuote,
+    ChFtn, LDblQuote, RDblQuote, Bullet, EmSpace, EnSpace, QmSpace, Zwj, Zwnj, LtrMark, RtlMark,
+    // fields
+    KvLink,
+    // picture
+    PngBlip, JpegBlip, PictKind, PicW, PicH, PicWGoal, PicHGoal, PicScaleX, PicScaleY, PictParam,
+};
+
+// Character properties; plain ints so that a state hashes and compares as bytes.
+struct CharState {
+    qint32 bold = 0;
+    qint32 italic = 0;
+    qint32 underline = 0; // QTextCharFormat::UnderlineStyle
+    qint32 strike = 0;
+    qint32 protect = 0;
+    qint32 font = -1;
+    qint32 halfPoints = 24;
+    qint32 color = 0;      // colour table index, 0 = automatic
+    qint32 back = 0;
+    qint32 script = 0;     // ScriptPosition
+    qint32 offset = 0;     // twips
+    qint32 lang = 0;
+    qint32 link = -1;      // index of the hyperlink field the text belongs to
+
+    bool operator==(const CharState &o) const { return std::memcmp(this, &o, sizeof(CharState)) == 0; }
+    bool operator!=(const CharState &o) const { return !(*this == o); }
+};
+
+inline size_t qHash(const CharState &state, size_t seed = 0)
+{
+    return qHashBits(&state, sizeof(CharState), seed);
+}
+
+struct PnState {
+    qint32 numbering = 0; // Numbering, 0 = none
+    qint32 start = 1;
+    qint32 style = int(NumberingStyle::Plain);
+    qint32 level = 0;
+    qint32 indent = 0; // \pnindent, the paragraph's bullet indent
+    bool operator==(const PnState &o) const
+    {
+        return numbering == o.numbering && start == o.start && style == o.style && level == o.level;
+    }
+};
+
+struct ParaState {
+    qint32 align = 0; // ParaAlignment
+    qint32 li = 0;
+    qint32 ri = 0;
+    qint32 fi = 0;
+    qint32 sb = 0;
+    qint32 sa = 0;
+    qint32 sl = 0;
+    qint32 slMult = 0;
+    qint32 ruleOverride = -1;
+    qint32 bulletIndent = 0;
+    bool intbl = false;
+    qint32 ls = 0;
+    qint32 ilvl = 0;
+    PnState pn;
+    QList<int> tabs;
+};
+
+struct GroupState {
+    CharState ch;
+    ParaState para;
+    Dest dest = Dest::Text;
+    quint8 uc = 1;
+    bool destRoot = false; // this group opened its destination
+    bool star = false;     // "\*" seen at the group's start
+    bool opensField = false; // this group is a \field
+    bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
+    int codePage = 1252;   // code page of the current font
+};
+
+struct FontEntry {
+    QString name;
+    int codePage = 0; // 0 = the document's
+};
+
+struct FieldEntry {
+    QString instruction;
+    QString address;
+    bool hyperlink = false;
+    int flags = 0; // \kvlink: 1 = shown without the link effect, 2 = no address
+    int symbol = 0; // SYMBOL field: the character it shows when it has no result
+    qint64 textMark = 0;
+};
+
+struct ListLevelDef {
+    int nfc = 0;
+    int start = 1;
+    QByteArray text;
+};
+
+struct ListDef {
+    int id = 0;
+    std::vector<ListLevelDef> levels;
+};
+
+// A row definition (\trowd ... \cellx): the right edge of each cell in twips and how it is
+// merged with its neighbours.
+enum CellMerge : quint8 {
+    MergeFirst = 1,         // \clmgf: first of cells merged across
+    MergeContinue = 2,      // \clmrg: covered by the cell on its left
+    MergeDownFirst = 4,     // \clvmgf: first of cells merged down
+    MergeDownContinue = 8,  // \clvmrg: covered by the cell above
+};
+
+struct CellDef {
+    int right = 0;
+    quint8 merge = 0;
+};
+
+struct RowDef {
+    int left = 0;
+    std::vector<CellDef> cells;
+    quint8 pendingMerge = 0; // merge words seen before the cell's \cellx
+};
+
+struct PictureBuild {
+    QByteArray header;
+    QByteArray data;
+    bool image = false;
+    int picW = 0, picH = 0, goalW = 0, goalH = 0, scaleX = 100, scaleY = 100;
+    int hexHigh = -1;
+};
+
+// The reader walks the bytes once with an explicit group stack (no recursion, so nesting depth
+// only costs memory up to a cap) and builds the document through one QTextCursor, inserting
+// each run of equally formatted text in one call. Paragraph properties are applied when the
+// paragraph ends, since RTF lets them change anywhere before its \par.
+class Reader {
+public:
+    Reader(QTextDocument &document, QTextCursor &cursor, bool endsDocument)
+        : m_doc(document), m_cursor(cursor), m_endsDocument(endsDocument)
+    {
+    }
+
+    void run(const QByteArray &bytes);
+
+private:
+    // bytes, groups and control words (rtfreader_tokenizer.cpp, rtfreader_groups.cpp)
+    void skipGroup();
+    void openGroup();
+    void closeGroup();
+    void controlWord(Word word, std::string_view name, bool hasParam, int param);
+    // True when the character at hand is one of the fallback characters after a \u, which are
+    // dropped.
+    bool consumeUnicodeSkip()
+    {
+        if (m_unicodeSkip > 0) {
+            --m_unicodeSkip;
+            return true;
+        }
+        return false;
+    }
+
+    // text (rtfreader_text.cpp)
+    void addAscii(const char *s, int n);
+    void addByte(unsigned char byte);
+    void addChar(char16_t c) { addString(QString(QChar(c))); }
+    void addString(const QString &s);
+    void beginText(qsizetype length);
+    void flushBytes();
+    void flushRun();
+    // Decodes the bytes gathered so far, then inserts the pending run of text.
+    void flushText()
+    {
+        flushBytes();
+        flushRun();
+    }
+    int currentCodePage() const;
+    QTextCharFormat formatFor(const CharState &state);
+    QTextCharFormat blockCharFormat();
+
+    // paragraphs and lists (rtfreader_paragraphs.cpp)
+    void endParagraph(bool insertBreak);
+    void applyParagraph(const ParaState &para);
+
+    // destinations: font and colour tables, fields, pictures, list tables
+    // (rtfreader_destinations.cpp)
+    void handleDestinationWord(Word word);
+    void finishDestination(const GroupState &closing);
+    void addToDestination(const QString &s);
+    void insertPicture(const PictureBuild &picture);
+
+    // tables (rtfreader_tables.cpp)
+    void ensureTableState();
+    void endCell();
+    void endRow();
+    void leaveTable();
+    void applyTableLayout(QTextTable *table);
+
+    GroupState &top() { return m_stack.back(); }
+    const GroupState &top() const { return m_stack.back(); }
+
+    QTextDocument &m_doc;
+    QTextCursor &m_cursor;
+    const bool m_endsDocument;
+    const char *m_p = nullptr;
+    const char *m_end = nullptr;
+
+    std::vector<GroupState> m_stack;
+    bool m_started = false;
+    bool m_finished = false;
+
+    int m_docCodePage = 1252;
+    int m_defaultFont = 0;
+    QHash<int, FontEntry> m_fonts;
+    int m_fontEntry = -1;
+    QString m_fontName;
+    int m_fontCharsetCodePage = 0;
+    std::vector<Colour> m_colours;
+    int m_red = -1, m_green = -1, m_blue = -1;
+
+    std::vector<FieldEntry> m_fields;
+    std::vector<int> m_fieldOfGroup; // field index of each open \field group (stack)
+
+    PnState m_pnBuild;
+    QString m_pnBefore, m_pnAfter;
+
+    std::vector<ListDef> m_lists;
+    ListLevelDef m_levelBuild;
+    QHash<int, int> m_overrideToList; // \ls -> \listid
+    int m_overrideLs = 0, m_overrideListId = 0;
+
+    PictureBuild m_picture;
+
+    CodePageDecoder m_decoder;
+    QByteArray m_bytes;
+    int m_leadPending = 0;
+    int m_unicodeSkip = 0;
+
+    QString m_run;
+    qint64 m_textCount = 0; // characters added to the document so far
+    int m_footnoteNumber = 0;
+    CharState m_runState;
+    bool m_runStateSet = false;
+    QHash<CharState, QTextCharFormat> m_formatCache;
+    QString m_destText;
+
+    // paragraphs and lists
+    bool m_paragraphHasContent = false;
+    int m_parCount = 0;
+    bool m_lastWasPar = false;
+    QHash<int, QTextList *> m_lsLists;
+    QTextList *m_lastPnList = nullptr;
+    PnState m_lastPn;
+
+    // tables
+    QTextTable *m_table = nullptr;
+    int m_tableRow = 0;
+    int m_tableColumn = 0;
+    bool m_rowEnded = false;
+    bool m_cellMovePending = false;
+    int m_rowCellCount = 0;
+    RowDef m_rowDef;                  // the row definition in effect
+    std::vector<RowDef> m_tableRowDefs; // the definition of each row of the table being read
+};
+
+} // namespace kvrtb::rtf::detail

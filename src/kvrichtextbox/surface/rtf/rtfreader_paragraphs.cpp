@@ -1,0 +1,162 @@
+#include "surface/rtf/rtfreader_p.h"
+
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextList>
+
+#include <algorithm>
+
+namespace kvrtb::rtf::detail {
+
+namespace {
+
+Numbering numberingOfNfc(int nfc)
+{
+    switch (nfc) {
+    case 0: return Numbering::Arabic;
+    case 1: return Numbering::UpperRoman;
+    case 2: return Numbering::LowerRoman;
+    case 3: return Numbering::UpperLetter;
+    case 4: return Numbering::LowerLetter;
+    case 23:
+    case 255: return Numbering::Bullet;
+    default: return Numbering::Arabic;
+    }
+}
+
+// What follows or surrounds the number, from a level text such as "\'02\'00." (length byte,
+// placeholder bytes below 10, literal text).
+NumberingStyle styleOfLevelText(const QByteArray &text)
+{
+    bool before = false;
+    bool seenNumber = false;
+    QByteArray after;
+    for (int i = 1; i < text.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        if (c < 10) {
+            seenNumber = true;
+            after.clear();
+        } else if (!seenNumber) {
+            before = before || c == '(';
+        } else {
+            after += char(c);
+        }
+    }
+    if (after.contains(')'))
+        return before ? NumberingStyle::Parens : NumberingStyle::RightParen;
+    if (after.contains('.'))
+        return NumberingStyle::Period;
+    return NumberingStyle::Plain;
+}
+
+} // namespace
+
+void Reader::applyParagraph(const ParaState &para)
+{
+    // An empty paragraph keeps the character format in effect at its end (what typing there
+    // would insert), so that writing it again gives the same properties.
+    if (!m_paragraphHasContent)
+        m_cursor.setBlockCharFormat(formatFor(top().ch));
+    QTextBlockFormat qt;
+    ParaFormat fields;
+    fields.alignment = ParaAlignment(std::clamp(para.align, 0, 3));
+    fields.leftIndent = para.li + para.fi;
+    fields.hangingIndent = -para.fi;
+    fields.rightIndent = para.ri;
+    fields.spaceBefore = para.sb;
+    fields.spaceAfter = para.sa;
+    if (!para.tabs.isEmpty())
+        fields.tabStops = para.tabs;
+    if (para.bulletIndent != 0)
+        fields.bulletIndent = para.bulletIndent;
+    if (para.ruleOverride >= 0 && para.ruleOverride <= 5) {
+        fields.lineSpacingRule = LineSpacingRule(para.ruleOverride);
+        fields.lineSpacing = para.slMult ? para.sl / 12 : std::abs(para.sl);
+        if (fields.lineSpacingRule != LineSpacingRule::Multiple && fields.lineSpacingRule != LineSpacingRule::AtLeast
+            && fields.lineSpacingRule != LineSpacingRule::Exactly)
+            fields.lineSpacing = 0;
+    } else if (para.sl != 0) {
+        if (para.slMult) {
+            if (para.sl == 360) {
+                fields.lineSpacingRule = LineSpacingRule::OneAndHalf;
+                fields.lineSpacing = 0;
+            } else if (para.sl == 480) {
+                fields.lineSpacingRule = LineSpacingRule::Double;
+                fields.lineSpacing = 0;
+            } else if (para.sl > 0) {
+                fields.lineSpacingRule = LineSpacingRule::Multiple;
+                fields.lineSpacing = para.sl / 12;
+            }
+        } else if (para.sl > 0) {
+            fields.lineSpacingRule = LineSpacingRule::AtLeast;
+            fields.lineSpacing = para.sl;
+        } else {
+            fields.lineSpacingRule = LineSpacingRule::Exactly;
+            fields.lineSpacing = -para.sl;
+        }
+    }
+    format::applyParaFields(qt, fields);
+    m_cursor.setBlockFormat(qt);
+
+    // Lists: \ls paragraphs join the list of their override and level wherever they are;
+    // legacy \pn paragraphs join the list of the paragraph before when it is numbered alike.
+    QTextBlock block = m_cursor.block();
+    if (QTextList *current = block.textList())
+        current->remove(block);
+    if (para.ls > 0 && !m_table) {
+        const int level = std::clamp(para.ilvl, 0, 8);
+        const int key = para.ls * 16 + level;
+        QTextList *list = m_lsLists.value(key);
+        if (list) {
+            list->add(block);
+        } else {
+            Numbering numbering = Numbering::Bullet;
+            int start = 1;
+            NumberingStyle style = NumberingStyle::Period;
+            const int listId = m_overrideToList.value(para.ls, -1);
+            for (const ListDef &def : m_lists) {
+                if (def.id != listId || def.levels.empty())
+                    continue;
+                const ListLevelDef &lvl = def.levels[size_t(std::min<int>(level, int(def.levels.size()) - 1))];
+                numbering = numberingOfNfc(lvl.nfc);
+                start = lvl.start;
+                style = numbering == Numbering::Bullet ? NumberingStyle::Period : styleOfLevelText(lvl.text);
+                break;
+            }
+            QTextListFormat listFormat = format::listFormatFor(numbering, start, style);
+            listFormat.setIndent(level + 1);
+            list = m_cursor.createList(listFormat);
+            m_lsLists.insert(key, list);
+        }
+        m_lastPnList = nullptr;
+    } else if (para.pn.numbering != 0 && !m_table) {
+        if (m_lastPnList && m_lastPn == para.pn && block.previous().isValid()
+            && block.previous().textList() == m_lastPnList) {
+            m_lastPnList->add(block);
+        } else {
+            QTextListFormat listFormat = format::listFormatFor(Numbering(para.pn.numbering), para.pn.start,
+                                                               NumberingStyle(para.pn.style));
+            if (para.pn.level > 1)
+                listFormat.setIndent(para.pn.level);
+            m_lastPnList = m_cursor.createList(listFormat);
+            m_lastPn = para.pn;
+        }
+    } else {
+        m_lastPnList = nullptr;
+    }
+}
+
+void Reader::endParagraph(bool insertBreak)
+{
+    flushText();
+    ensureTableState();
+    applyParagraph(top().para);
+    if (insertBreak) {
+        m_cursor.insertBlock(QTextBlockFormat(), blockCharFormat());
+        ++m_parCount;
+        m_paragraphHasContent = false;
+        m_lastWasPar = true;
+    }
+}
+
+} // namespace kvrtb::rtf::detail

@@ -671,6 +671,9 @@ void TestRtf::hostileInputNeitherCrashesNorHangs()
         "{\\rtf1\\trowd\\clmrg\\clvmrg\\cellx-5\\cellx-10\\intbl a\\cell\\row\\trowd\\clvmgf\\clmgf\\cellx0\\intbl b\\cell c\\cell\\row}",
         "{\\rtf1\\trowd\\clvmgf\\clmgf\\cellx99\\intbl{\\*\\nesttableprops\\trowd\\clvmrg\\cellx5\\nestrow} a\\cell\\row\\trowd\\clvmrg\\clmrg\\cellx99\\intbl\\cell\\row}",
         "{\\rtf1 \\abcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyz123456789012345 x}",
+        // A list paragraph whose properties are applied again after its list was emptied.
+        "{\\rtf1\\ls2{\\par\\cell}\\\n}",
+        "{\\rtf1\\pnlvlbody\\pndec{\\par\\cell}\\\n\\pnlvlbody\\pndec x\\par}",
     };
     for (const QByteArray &input : cases) {
         QTextDocument doc;

@@ -13,6 +13,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QPointer>
 #include <QList>
 #include <QString>
 #include <QTextCharFormat>
@@ -324,8 +325,10 @@ private:
     bool m_paragraphHasContent = false;
     int m_parCount = 0;
     bool m_lastWasPar = false;
-    QHash<int, QTextList *> m_lsLists;
-    QTextList *m_lastPnList = nullptr;
+    // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a
+    // paragraph's properties are applied again.
+    QHash<int, QPointer<QTextList>> m_lsLists;
+    QPointer<QTextList> m_lastPnList;
     PnState m_lastPn;
 
     // tables

@@ -106,7 +106,7 @@ void Reader::applyParagraph(const ParaState &para)
     if (para.ls > 0 && !m_table) {
         const int level = std::clamp(para.ilvl, 0, 8);
         const int key = para.ls * 16 + level;
-        QTextList *list = m_lsLists.value(key);
+        QTextList *list = m_lsLists.value(key).data();
         if (list) {
             list->add(block);
         } else {

@@ -2,6 +2,7 @@
 
 #include "control/controlcore.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -96,7 +97,8 @@ int LinesAndCase::LastVisibleLine() const
     const int bottom = rect.top() + rect.height();
     const int right = rect.left() + rect.width();
     // Round half to even (the default rounding mode), kept within a 16-bit integer.
-    const auto margin = static_cast<std::int16_t>(std::nearbyint(bottom * 0.05));
+    const double rounded = std::nearbyint(bottom * 0.05);
+    const auto margin = static_cast<std::int16_t>(std::clamp(rounded, -32768.0, 32767.0));
     const int y = bottom - margin;
     const int position = surface.charFromPoint(QPoint(right, y));
     return surface.lineFromChar(position) + 1;

@@ -4,7 +4,7 @@
 
 #include "control/kvrtb.h"
 #include "control/propertybag.h"
-#include "control/recordingplatformservices.h"
+#include "core/recordingplatformservices.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -2,9 +2,9 @@
 // LoadFile and SaveFile (linking off), the clean-up passes on it, and removing a 1 MB picture
 // from RTF with the picture pattern.
 
-#include "control/controlcore.h"
-#include "control/controlevents.h"
-#include "control/recordingplatformservices.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
+#include "core/recordingplatformservices.h"
 #include "documents/contentcleanup.h"
 #include "documents/documents.h"
 

@@ -2,10 +2,10 @@
 // 20,000 addresses, finding addresses alone, the linking pass run while typing, and swapping a
 // 5 MB document with its snapshot.
 
-#include "control/controlcore.h"
-#include "control/controlevents.h"
-#include "control/recordingplatformservices.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
+#include "core/recordingplatformservices.h"
+#include "core/threadstate.h"
 #include "editing/specialundo.h"
 #include "hyperlinks/addresspatterns.h"
 #include "hyperlinks/hyperlinks.h"

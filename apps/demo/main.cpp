@@ -1,7 +1,7 @@
 // kvrtb-demo: a host window with one KvRTB control, a sample document and a File menu.
 // With --screenshot FILE it renders the window to a PNG and exits (for machines with no display).
 
-#include "control/editorsurface.h"
+#include "core/editorsurface.h"
 #include "control/kvrtb.h"
 
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "consoleservices.h"
-#include "control/controlcore.h"
-#include "control/controlevents.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "control/controlcore.h"
-#include "control/controlevents.h"
-#include "control/recordingplatformservices.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
+#include "core/recordingplatformservices.h"
 
 #include <QStringList>
 #include <QTest>

@@ -1,13 +1,13 @@
 // The control shell: life cycle, the persisted property set and its bags, the by-name
 // interface, the events and the selection pass-through.
 
-#include "control/controlcore.h"
-#include "control/editorsurface.h"
+#include "core/controlcore.h"
+#include "core/editorsurface.h"
 #include "control/kvrtb.h"
 #include "control/propertybag.h"
 #include "control/propertytable.h"
-#include "control/recordingplatformservices.h"
-#include "control/threadstate.h"
+#include "core/recordingplatformservices.h"
+#include "core/threadstate.h"
 #include "spelling/wordlists.h"
 
 #include <QAbstractScrollArea>

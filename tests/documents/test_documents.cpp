@@ -2,10 +2,10 @@
 // passes, on the real surface under the offscreen platform with scripted dialogs.
 
 #include "corefixture.h"
-#include "control/controlcore.h"
-#include "control/controlevents.h"
-#include "control/recordingplatformservices.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
+#include "core/recordingplatformservices.h"
+#include "core/threadstate.h"
 #include "documents/contentcleanup.h"
 #include "documents/documents.h"
 #include "documents/fileerror.h"

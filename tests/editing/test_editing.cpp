@@ -2,11 +2,11 @@
 // offscreen platform.
 
 #include "corefixture.h"
-#include "control/controlcore.h"
-#include "control/controlevents.h"
-#include "control/kvrtbtypes.h"
-#include "control/recordingplatformservices.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
+#include "core/kvrtbtypes.h"
+#include "core/recordingplatformservices.h"
+#include "core/threadstate.h"
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"

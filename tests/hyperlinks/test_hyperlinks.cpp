@@ -2,10 +2,10 @@
 // surface under the offscreen platform.
 
 #include "corefixture.h"
-#include "control/controlcore.h"
-#include "control/controlevents.h"
-#include "control/recordingplatformservices.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/controlevents.h"
+#include "core/recordingplatformservices.h"
+#include "core/threadstate.h"
 #include "editing/specialundo.h"
 #include "hyperlinks/addresspatterns.h"
 #include "hyperlinks/hyperlinks.h"

@@ -1,9 +1,9 @@
 // The Qt editor surface on a real QTextEdit: lines, selection conventions, formats, undo,
 // the modified flag, find, Span/UpTo, freeze, and clamping of bad positions.
 
-#include "control/editorsurface.h"
-#include "control/qtplatformservices.h"
-#include "control/recordingplatformservices.h"
+#include "core/editorsurface.h"
+#include "surface/qtplatformservices.h"
+#include "core/recordingplatformservices.h"
 #include "surface/qteditorsurface.h"
 #include "surface/surfacetextedit.h"
 

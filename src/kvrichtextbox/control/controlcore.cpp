@@ -1,6 +1,6 @@
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 
-#include "control/threadstate.h"
+#include "core/threadstate.h"
 #include "documents/documents.h"
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"

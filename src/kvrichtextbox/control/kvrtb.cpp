@@ -3,10 +3,10 @@
 #include "editing/editcommands.h"
 #include "spelling/dictionary.h"
 
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 #include "control/kvrtb_p.h"
-#include "control/qtplatformservices.h"
-#include "control/threadstate.h"
+#include "surface/qtplatformservices.h"
+#include "core/threadstate.h"
 
 #include <QFrame>
 #include <QProgressBar>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "control/controlevents.h"
-#include "control/kvrtbtypes.h"
+#include "core/controlevents.h"
+#include "core/kvrtbtypes.h"
 #include "control/propertytable.h"
 
 #include <QFont>

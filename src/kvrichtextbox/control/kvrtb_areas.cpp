@@ -2,7 +2,7 @@
 
 #include "control/kvrtb.h"
 
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 #include "control/kvrtb_p.h"
 #include "documents/documents.h"
 #include "editing/editcommands.h"

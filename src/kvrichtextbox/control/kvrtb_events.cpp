@@ -1,6 +1,6 @@
 // The control's events: from the editing surface to the host, and from the areas to the host.
 
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 #include "control/kvrtb_p.h"
 
 #include <QProgressBar>

@@ -1,7 +1,7 @@
 // The selection pass-through properties: each reads or writes an attribute of the editing
 // surface's current selection. An attribute that differs across the selection reads as null.
 
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 #include "control/kvrtb.h"
 
 #include <cmath>

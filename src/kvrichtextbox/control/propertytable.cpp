@@ -1,6 +1,6 @@
 #include "control/propertytable.h"
 
-#include "control/threadstate.h"
+#include "core/threadstate.h"
 
 #include <QAbstractScrollArea>
 #include <QCursor>

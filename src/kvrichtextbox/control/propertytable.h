@@ -1,7 +1,7 @@
 #pragma once
 
-#include "control/controlproperties.h"
-#include "control/editorsurface.h"
+#include "core/controlproperties.h"
+#include "core/editorsurface.h"
 #include "control/propertybag.h"
 
 #include <QFont>

@@ -1,6 +1,6 @@
 #include "documents/contentcleanup.h"
 
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 #include "editing/displayfreeze.h"
 #include "spelling/dictionary.h"
 

@@ -1,7 +1,7 @@
 #include "documents/documents.h"
 
-#include "control/controlcore.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/threadstate.h"
 #include "documents/fileerror.h"
 #include "documents/fileinuse.h"
 #include "documents/safefilewriter.h"

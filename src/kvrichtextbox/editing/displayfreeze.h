@@ -1,7 +1,7 @@
 #pragma once
 
-#include "control/controlcore.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/threadstate.h"
 
 namespace kvrtb {
 

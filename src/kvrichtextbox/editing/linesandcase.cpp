@@ -1,6 +1,6 @@
 #include "editing/linesandcase.h"
 
-#include "control/controlcore.h"
+#include "core/controlcore.h"
 
 #include <algorithm>
 #include <cmath>

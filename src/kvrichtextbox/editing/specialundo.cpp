@@ -1,8 +1,8 @@
 #include "editing/specialundo.h"
 
-#include "control/controlcore.h"
-#include "control/kvrtbtypes.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/kvrtbtypes.h"
+#include "core/threadstate.h"
 #include "editing/displayfreeze.h"
 #include "hyperlinks/hyperlinks.h"
 

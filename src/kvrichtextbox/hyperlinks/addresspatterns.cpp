@@ -1,6 +1,6 @@
 #include "hyperlinks/addresspatterns.h"
 
-#include "control/threadstate.h"
+#include "core/threadstate.h"
 
 namespace kvrtb {
 

@@ -1,8 +1,8 @@
 #include "hyperlinks/hyperlinks.h"
 
-#include "control/controlcore.h"
-#include "control/kvrtbtypes.h"
-#include "control/threadstate.h"
+#include "core/controlcore.h"
+#include "core/kvrtbtypes.h"
+#include "core/threadstate.h"
 #include "editing/displayfreeze.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"

@@ -8,7 +8,7 @@
 // character locale, the protected flag, the line-spacing rule) are kept in user properties next
 // to the Qt property that shows them; reads prefer the exact value.
 
-#include "control/editorsurface.h"
+#include "core/editorsurface.h"
 
 #include <QTextBlockFormat>
 #include <QTextCharFormat>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/editorsurface.h"
+#include "core/editorsurface.h"
 
 #include <QObject>
 #include <QTextCursor>

@@ -1,6 +1,6 @@
 #include "surface/surfacetextedit.h"
 
-#include "control/editorsurface.h"
+#include "core/editorsurface.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/platformservices.h"
+#include "core/platformservices.h"
 
 #include <QStringList>
 

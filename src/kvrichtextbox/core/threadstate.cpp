@@ -1,4 +1,4 @@
-#include "control/threadstate.h"
+#include "core/threadstate.h"
 
 namespace kvrtb {
 

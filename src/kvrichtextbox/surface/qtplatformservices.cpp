@@ -1,4 +1,4 @@
-#include "control/qtplatformservices.h"
+#include "surface/qtplatformservices.h"
 
 #include <QApplication>
 #include <QColorDialog>

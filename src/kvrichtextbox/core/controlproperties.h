@@ -1,7 +1,7 @@
 #pragma once
 
-#include "control/colour.h"
-#include "control/kvrtbtypes.h"
+#include "core/colour.h"
+#include "core/kvrtbtypes.h"
 
 #include <QString>
 

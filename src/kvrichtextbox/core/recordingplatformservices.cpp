@@ -1,4 +1,4 @@
-#include "control/recordingplatformservices.h"
+#include "core/recordingplatformservices.h"
 
 namespace kvrtb {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/colour.h"
+#include "core/colour.h"
 
 #include <QFont>
 #include <QList>

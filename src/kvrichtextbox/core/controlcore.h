@@ -1,9 +1,9 @@
 #pragma once
 
-#include "control/controlevents.h"
-#include "control/controlproperties.h"
-#include "control/editorsurface.h"
-#include "control/platformservices.h"
+#include "core/controlevents.h"
+#include "core/controlproperties.h"
+#include "core/editorsurface.h"
+#include "core/platformservices.h"
 
 #include <memory>
 

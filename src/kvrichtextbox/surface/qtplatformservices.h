@@ -1,6 +1,6 @@
 #pragma once
 
-#include "control/platformservices.h"
+#include "core/platformservices.h"
 
 #include <QObject>
 #include <QPointer>

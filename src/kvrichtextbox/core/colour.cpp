@@ -1,4 +1,4 @@
-#include "control/colour.h"
+#include "core/colour.h"
 
 #include <QGuiApplication>
 #include <QPalette>

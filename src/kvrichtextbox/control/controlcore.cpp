@@ -5,7 +5,9 @@
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
+#include "findreplace/findreplace.h"
 #include "hyperlinks/hyperlinks.h"
+#include "spelling/misspellings.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -26,6 +28,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_misspellings = std::make_unique<Misspellings>(*this);
+    m_findReplace = std::make_unique<FindReplace>(*this);
 }
 
 ControlCore::~ControlCore() = default;

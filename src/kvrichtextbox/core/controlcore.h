@@ -13,8 +13,10 @@ namespace kvrtb {
 
 class Documents;
 class EditCommands;
+class FindReplace;
 class Hyperlinks;
 class LinesAndCase;
+class Misspellings;
 class SpecialUndo;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
@@ -58,6 +60,10 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// Misspelling detection and moving between misspelt words.
+    Misspellings &misspellings() { return *m_misspellings; }
+    /// Find and replace, and the "Find / Replace" dialog.
+    FindReplace &findReplace() { return *m_findReplace; }
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -81,6 +87,8 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<Misspellings> m_misspellings;
+    std::unique_ptr<FindReplace> m_findReplace;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

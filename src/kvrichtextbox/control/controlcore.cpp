@@ -6,7 +6,9 @@
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
 #include "editorinput/editorinput.h"
+#include "findreplace/findreplace.h"
 #include "hyperlinks/hyperlinks.h"
+#include "spelling/misspellings.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -32,6 +34,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     // after it through the one ruler hook.
     m_documents->setLinkUndoPendingClearer([this] { m_specialUndo->clearLinkUndoPending(); });
     m_documents->setRulerRefresher([this] { refreshRuler(); });
+    m_misspellings = std::make_unique<Misspellings>(*this);
+    m_findReplace = std::make_unique<FindReplace>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -15,8 +15,10 @@ namespace kvrtb {
 class Documents;
 class EditCommands;
 class EditorInput;
+class FindReplace;
 class Hyperlinks;
 class LinesAndCase;
+class Misspellings;
 class SpecialUndo;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
@@ -72,6 +74,10 @@ public:
             m_rulerRefresher();
     }
     void setRulerRefresher(std::function<void()> refresher) { m_rulerRefresher = std::move(refresher); }
+    /// Misspelling detection and moving between misspelt words.
+    Misspellings &misspellings() { return *m_misspellings; }
+    /// Find and replace, and the "Find / Replace" dialog.
+    FindReplace &findReplace() { return *m_findReplace; }
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -97,6 +103,8 @@ private:
     std::unique_ptr<Documents> m_documents;
     std::unique_ptr<EditorInput> m_editorInput;
     std::function<void()> m_rulerRefresher;
+    std::unique_ptr<Misspellings> m_misspellings;
+    std::unique_ptr<FindReplace> m_findReplace;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

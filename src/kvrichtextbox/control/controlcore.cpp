@@ -5,6 +5,8 @@
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
+#include "fonts/fontselection.h"
+#include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
 #include "surface/surfacefactory.h"
 
@@ -26,6 +28,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_fontSelection = std::make_unique<FontSelection>(*this);
+    m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
 }
 
 ControlCore::~ControlCore() = default;

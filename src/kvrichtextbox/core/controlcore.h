@@ -13,9 +13,11 @@ namespace kvrtb {
 
 class Documents;
 class EditCommands;
+class FontSelection;
 class Hyperlinks;
 class LinesAndCase;
 class SpecialUndo;
+class WhatsThisHelp;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -59,6 +61,11 @@ public:
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
 
+    /// The font and colour dialogs and default-font mode.
+    FontSelection &fontSelection() { return *m_fontSelection; }
+    /// What's This help on the editor and the help document.
+    WhatsThisHelp &whatsThisHelp() { return *m_whatsThisHelp; }
+
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
     /// Sets the percentage (clamped to 0..100) and tells the events sink.
@@ -81,6 +88,8 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<FontSelection> m_fontSelection;
+    std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

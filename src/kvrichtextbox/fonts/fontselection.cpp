@@ -63,9 +63,7 @@ void FontSelection::CommonDialogFontSelect(short *MyErr)
         setError(MyErr, FileError::DialogCancelled);
         return;
     }
-    m_core.surface().setSelectionCharFormat(chosen->changesFrom(before));
-    m_core.events().finish();
-    m_core.events().ready();
+    applyToSelection(chosen->changesFrom(before));
 }
 
 void FontSelection::ShowFontSelect()
@@ -78,9 +76,7 @@ void FontSelection::ShowFontSelect()
     const std::optional<FontChoice> chosen = askFont(before, true, true);
     if (!chosen)
         return;
-    m_core.surface().setSelectionCharFormat(chosen->changesFrom(before));
-    m_core.events().finish();
-    m_core.events().ready();
+    applyToSelection(chosen->changesFrom(before));
 }
 
 void FontSelection::SetDefaultFontMode()
@@ -142,6 +138,13 @@ std::optional<Colour> FontSelection::askColour(Colour initial, short *MyErr)
     return result.colour;
 }
 
+void FontSelection::applyToSelection(const CharFormat &format)
+{
+    m_core.surface().setSelectionCharFormat(format);
+    m_core.events().finish();
+    m_core.events().ready();
+}
+
 void FontSelection::setProperty(Colour &field, Colour value, const char *key)
 {
     field = value;
@@ -179,10 +182,8 @@ Colour FontSelection::CommonDialogSelFontColor(const QVariant &CurrentColor, sho
         return start;
     CharFormat format;
     format.color = *chosen;
-    m_core.surface().setSelectionCharFormat(format);
+    applyToSelection(format);
     setProperty(m_core.properties().MyFontColor, *chosen, "MyFontColor");
-    m_core.events().finish();
-    m_core.events().ready();
     return *chosen;
 }
 
@@ -192,14 +193,13 @@ Colour FontSelection::CommonDialogSelColor(const QVariant &CurrentColor, short *
     const std::optional<Colour> chosen = askColour(start, MyErr);
     if (!chosen)
         return start;
+    // As the highlight command: without a selection there is nothing to paint.
     if (m_core.surface().selLength() > 0) {
         CharFormat format;
         format.backColor = *chosen;
-        m_core.surface().setSelectionCharFormat(format);
+        applyToSelection(format);
     }
     setProperty(m_core.properties().MyHLColor, *chosen, "MyHLColor");
-    m_core.events().finish();
-    m_core.events().ready();
     return *chosen;
 }
 

@@ -73,6 +73,9 @@ private:
     std::optional<FontChoice> askFont(const FontChoice &initial, bool custom, bool withColour);
     /// Runs the colour dialog; the colour chosen or empty when cancelled. Sets \a MyErr.
     std::optional<Colour> askColour(Colour initial, short *MyErr);
+    /// Applies \a format to the selection and raises `Finish` and `Ready`.
+    void applyToSelection(const CharFormat &format);
+    /// Sets a colour property and tells the host under its key.
     void setProperty(Colour &field, Colour value, const char *key);
 
     ControlCore &m_core;

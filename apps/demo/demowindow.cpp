@@ -63,8 +63,8 @@ QString withExtensionOf(const QString &path, const QString &filter)
 // rather than shown broken. Kept in step with the library as areas land.
 const QStringList kNotInThisBuild{
     QStringLiteral("ShowPrintPreview"), QStringLiteral("CommonDialogPrint"), QStringLiteral("ShowFindReplace"),
-    QStringLiteral("ShowFontSelect"), QStringLiteral("CommonDialogSelFontColor"), QStringLiteral("ShowSpellCheck"),
-    QStringLiteral("ShowRandomWord"), QStringLiteral("ApplyVB6Syntax"), QStringLiteral("ApplyVBNetSyntax"),
+    QStringLiteral("ShowSpellCheck"),
+    QStringLiteral("ApplyVB6Syntax"), QStringLiteral("ApplyVBNetSyntax"),
     QStringLiteral("ApplyMySyntax"), QStringLiteral("Cancel_Syntax"), QStringLiteral("DrawRuler")};
 
 } // namespace
@@ -87,6 +87,7 @@ DemoWindow::DemoWindow()
     buildViewMenu();
     buildToolBar();
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->addAction(QStringLiteral("Editor &Help"), this, [this] { m_editor->ShowHelp(); });
     help->addAction(QStringLiteral("&About"), this, [this] {
         QMessageBox::about(this, QStringLiteral("About the demo"),
                            QStringLiteral("A small word processor built on the KvRTB control."));

@@ -7,6 +7,8 @@
 #include "editing/specialundo.h"
 #include "editorinput/editorinput.h"
 #include "findreplace/findreplace.h"
+#include "fonts/fontselection.h"
+#include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
 #include "spelling/misspellings.h"
 #include "surface/surfacefactory.h"
@@ -36,6 +38,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_documents->setRulerRefresher([this] { refreshRuler(); });
     m_misspellings = std::make_unique<Misspellings>(*this);
     m_findReplace = std::make_unique<FindReplace>(*this);
+    m_fontSelection = std::make_unique<FontSelection>(*this);
+    m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -16,10 +16,12 @@ class Documents;
 class EditCommands;
 class EditorInput;
 class FindReplace;
+class FontSelection;
 class Hyperlinks;
 class LinesAndCase;
 class Misspellings;
 class SpecialUndo;
+class WhatsThisHelp;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -79,6 +81,11 @@ public:
     /// Find and replace, and the "Find / Replace" dialog.
     FindReplace &findReplace() { return *m_findReplace; }
 
+    /// The font and colour dialogs and default-font mode.
+    FontSelection &fontSelection() { return *m_fontSelection; }
+    /// What's This help on the editor and the help document.
+    WhatsThisHelp &whatsThisHelp() { return *m_whatsThisHelp; }
+
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
     /// Sets the percentage (clamped to 0..100) and tells the events sink.
@@ -105,6 +112,8 @@ private:
     std::function<void()> m_rulerRefresher;
     std::unique_ptr<Misspellings> m_misspellings;
     std::unique_ptr<FindReplace> m_findReplace;
+    std::unique_ptr<FontSelection> m_fontSelection;
+    std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -1,8 +1,10 @@
 // kvrtb-demo: a host window with one KvRTB control, a sample document and a File menu.
-// With --screenshot FILE it renders the window to a PNG and exits (for machines with no display).
+// With --screenshot FILE it renders the window to a PNG and exits (for machines with no display);
+// --preview-screenshot FILE does the same with the print preview of the document.
 
 #include "core/editorsurface.h"
 #include "control/kvrtb.h"
+#include "core/controlcore.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -33,13 +35,15 @@ public:
         m_editor = new kvrtb::KvRTB(this);
         m_editor->setObjectName(QStringLiteral("KvRTB1"));
         m_editor->initProperties();
-        m_editor->setDisplayRuler(false); // no ruler in this build yet
         m_editor->setAllowRTFSave(true);  // offer RTF beside text in the save dialog
         setCentralWidget(m_editor);
 
         QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
         file->addAction(QStringLiteral("&Open..."), QKeySequence::Open, this, [this] { open(); });
         file->addAction(QStringLiteral("&Save As..."), QKeySequence::Save, this, [this] { save(); });
+        file->addSeparator();
+        file->addAction(QStringLiteral("&Print..."), QKeySequence::Print, this, [this] { m_editor->CommonDialogPrint(); });
+        file->addAction(QStringLiteral("Print Pre&view..."), this, [this] { m_editor->ShowPrintPreview(); });
         file->addSeparator();
         file->addAction(QStringLiteral("E&xit"), QKeySequence::Quit, this, [this] { close(); });
 
@@ -72,8 +76,20 @@ private:
         kvrtb::ParaFormat centred;
         centred.alignment = kvrtb::ParaAlignment::Center;
         m_editor->RichTextBox1().setSelectionParaFormat(centred);
+        // The second paragraph indented, with a hanging line start and a tab stop, to show
+        // on the ruler when the caret is in it.
+        m_editor->setSelStart(20);
+        kvrtb::ParaFormat indented;
+        indented.leftIndent = 720;
+        indented.hangingIndent = 720;
+        indented.rightIndent = 1440;
+        indented.tabStops = QList<int>{2880, 4320};
+        m_editor->RichTextBox1().setSelectionParaFormat(indented);
         m_editor->HyperLinkDocument();
-        m_editor->setSelStart(0);
+        m_editor->setSelStart(20);
+        m_editor->core().refreshRuler();
+        m_editor->setPageHeading(QStringLiteral("KvRichTextBox demo"));
+        m_editor->setPageNumbersAndDate(kvrtb::PrintBoth);
         m_editor->SetRTBChanged(false);
     }
 
@@ -90,6 +106,8 @@ private:
     }
 
 public:
+    kvrtb::KvRTB *editor() const { return m_editor; }
+
     /// Loads a file by its name: RTF when it starts as RTF, text (with links) otherwise.
     void openFile(const QString &path)
     {
@@ -127,6 +145,9 @@ int main(int argc, char *argv[])
     QCommandLineOption screenshot(QStringLiteral("screenshot"), QStringLiteral("Render the window to a PNG file and exit."),
                                   QStringLiteral("file"));
     parser.addOption(screenshot);
+    QCommandLineOption previewShot(QStringLiteral("preview-screenshot"),
+                                   QStringLiteral("Render the print preview to a PNG file and exit."), QStringLiteral("file"));
+    parser.addOption(previewShot);
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("An RTF or text file to open instead of the sample."),
                                  QStringLiteral("[file]"));
     parser.process(app);
@@ -145,6 +166,26 @@ int main(int argc, char *argv[])
                                                         : "Could not save a picture to %s\n",
                          qPrintable(file));
             QApplication::exit(saved ? 0 : 1);
+        });
+    }
+    if (parser.isSet(previewShot)) {
+        const QString file = parser.value(previewShot);
+        // The preview runs its own event loop; the picture is taken from inside it.
+        QTimer::singleShot(200, &window, [&window, file] {
+            QTimer::singleShot(1500, &window, [file] {
+                bool saved = false;
+                for (QWidget *top : QApplication::topLevelWidgets()) {
+                    if (top->objectName() == QLatin1String("PrintPreview") && top->isVisible()) {
+                        saved = top->grab().save(file);
+                        top->close();
+                    }
+                }
+                std::fprintf(saved ? stdout : stderr, saved ? "Saved a picture of the print preview to %s\n"
+                                                            : "Could not save a picture to %s\n",
+                             qPrintable(file));
+                QApplication::exit(saved ? 0 : 1);
+            });
+            window.editor()->ShowPrintPreview();
         });
     }
     return app.exec();

@@ -6,6 +6,8 @@
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
 #include "hyperlinks/hyperlinks.h"
+#include "printing/printing.h"
+#include "ruler/ruler.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -26,6 +28,9 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_ruler = std::make_unique<Ruler>(*this);
+    m_printing = std::make_unique<Printing>(*this);
+    m_documents->setRulerRefresher([this] { refreshRuler(); });
 }
 
 ControlCore::~ControlCore() = default;
@@ -39,6 +44,11 @@ void ControlCore::lockWindowUpdate(bool lock)
         m_surface->freeze();
     else
         m_surface->unfreeze();
+}
+
+void ControlCore::refreshRuler()
+{
+    m_ruler->refresh();
 }
 
 void ControlCore::setProgress(int percent)

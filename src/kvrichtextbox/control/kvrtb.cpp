@@ -1,6 +1,8 @@
 #include "control/kvrtb.h"
 
 #include "editing/editcommands.h"
+#include "ruler/ruler.h"
+#include "ruler/rulerstrip.h"
 #include "spelling/dictionary.h"
 
 #include "core/controlcore.h"
@@ -43,13 +45,6 @@ KvRTB::KvRTB(PlatformServices &services, QWidget *parent) : QWidget(parent)
 
 void KvRTB::initialise(PlatformServices &services)
 {
-    // The ruler strip with its shading and indent handles; the ruler draws into them.
-    m_masterPic = new QWidget(this);
-    m_masterPic->setObjectName(QStringLiteral("MasterPic"));
-    for (const char *name : {"ShadeRulerPic", "Image1", "HIHandle", "LIHandle", "RIHandle"}) {
-        auto *picture = new QWidget(m_masterPic);
-        picture->setObjectName(QLatin1String(name));
-    }
     auto *frame = new QFrame(this);
     frame->setFrameShape(QFrame::NoFrame);
     frame->setObjectName(QStringLiteral("RTBPicture"));
@@ -66,6 +61,8 @@ void KvRTB::initialise(PlatformServices &services)
     m_core = std::make_unique<ControlCore>(m_rtbPicture, services, static_cast<ControlEvents &>(*this));
     m_core->surface().widget()->setObjectName(QStringLiteral("RichTextBox1"));
     m_core->converter().widget()->setObjectName(QStringLiteral("RichTextBox2"));
+    // The ruler strip (`MasterPic`) with its shading, scale and indent handles.
+    m_masterPic = new RulerStrip(m_core->ruler(), m_core->surface(), this);
     m_editorEvents = std::make_unique<EditorEvents>(*this);
     m_core->surface().setListener(m_editorEvents.get());
 
@@ -141,7 +138,8 @@ void KvRTB::layoutChildren()
     // The progress bar lies over the foot of the editor while a long operation runs.
     m_progressBar->setGeometry(0, std::max(0, h - kProgressBarHeight), w, std::min(h, kProgressBarHeight));
     m_progressBar->raise();
-    // Redrawing the ruler and its shading for the new width comes with the ruler.
+    if (ruler)
+        m_core->ruler().draw();
 }
 
 // --- Persisted properties -------------------------------------------------------------------
@@ -177,6 +175,8 @@ void KvRTB::setPropertyValue(const char *key, const QVariant &value)
         emit UpdateParentMenu();
     if (qstrcmp(entry->key, "DisplayRuler") == 0)
         layoutChildren();
+    else if (qstrcmp(entry->key, "PrinterMargin") == 0)
+        m_core->ruler().shade();
 }
 
 #define KVRTB_PERSISTED(Type, name, convert, SetterArg, setter)                                     \

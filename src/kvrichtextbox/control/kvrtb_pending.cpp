@@ -44,18 +44,6 @@ void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
 void KvRTB::ShowRandomWord() { reportNotAvailable("ShowRandomWord"); }
 
-// Ruler: still to come.
-void KvRTB::DrawRuler() { reportNotAvailable("DrawRuler"); }
-void KvRTB::ClearRuler() { reportNotAvailable("ClearRuler"); }
-void KvRTB::SetRulerTabs() { reportNotAvailable("SetRulerTabs"); }
-void KvRTB::ShadeRuler() { reportNotAvailable("ShadeRuler"); }
-
-// Printing: still to come.
-int KvRTB::CommonDialogPrint(short *) { reportNotAvailable("CommonDialogPrint"); return 0; }
-void KvRTB::SelPrint(const QVariant &) { reportNotAvailable("SelPrint"); }
-bool KvRTB::PrinterInstalled() { reportNotAvailable("PrinterInstalled"); return false; }
-void KvRTB::ShowPrintPreview() { reportNotAvailable("ShowPrintPreview"); }
-
 // Find and replace: still to come.
 int KvRTB::Find2(const QString &, FindDirectionQ, FindOptionsQ, bool) { reportNotAvailable("Find2"); return -1; }
 bool KvRTB::FindVerify(const QString &, FindOptionsQ) { reportNotAvailable("FindVerify"); return false; }

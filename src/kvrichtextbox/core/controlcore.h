@@ -15,6 +15,8 @@ class Documents;
 class EditCommands;
 class Hyperlinks;
 class LinesAndCase;
+class Printing;
+class Ruler;
 class SpecialUndo;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
@@ -58,6 +60,15 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// The ruler: the indents and tab stops of the caret's paragraph, and changing them.
+    Ruler &ruler() { return *m_ruler; }
+    /// Printing, print preview and the page headings.
+    Printing &printing() { return *m_printing; }
+
+    /// \brief Brings the ruler in line with the paragraph at the caret (its indent handles and
+    /// tab stops). Everything that moves the caret or changes paragraphs behind the ruler's back
+    /// calls it: arrow keys and mouse clicks in the editor, undo, paste, loading a document.
+    void refreshRuler();
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -81,6 +92,8 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<Ruler> m_ruler;
+    std::unique_ptr<Printing> m_printing;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -36,6 +36,7 @@ public:
         m_editor->setObjectName(QStringLiteral("KvRTB1"));
         m_editor->initProperties();
         m_editor->setAllowRTFSave(true);  // offer RTF beside text in the save dialog
+        m_editor->Word_Wrap(true, true);  // lines end where they will on the printed page
         setCentralWidget(m_editor);
 
         QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
@@ -172,18 +173,26 @@ int main(int argc, char *argv[])
         const QString file = parser.value(previewShot);
         // The preview runs its own event loop; the picture is taken from inside it.
         QTimer::singleShot(200, &window, [&window, file] {
-            QTimer::singleShot(1500, &window, [file] {
-                bool saved = false;
+            QTimer::singleShot(800, &window, [file] {
+                QWidget *preview = nullptr;
                 for (QWidget *top : QApplication::topLevelWidgets()) {
-                    if (top->objectName() == QLatin1String("PrintPreview") && top->isVisible()) {
-                        saved = top->grab().save(file);
-                        top->close();
-                    }
+                    if (top->objectName() == QLatin1String("PrintPreview") && top->isVisible())
+                        preview = top;
                 }
-                std::fprintf(saved ? stdout : stderr, saved ? "Saved a picture of the print preview to %s\n"
-                                                            : "Could not save a picture to %s\n",
-                             qPrintable(file));
-                QApplication::exit(saved ? 0 : 1);
+                if (!preview) {
+                    std::fprintf(stderr, "The print preview did not open\n");
+                    QApplication::exit(1);
+                    return;
+                }
+                preview->resize(760, 900);
+                QTimer::singleShot(800, preview, [preview, file] {
+                    const bool saved = preview->grab().save(file);
+                    preview->close();
+                    std::fprintf(saved ? stdout : stderr, saved ? "Saved a picture of the print preview to %s\n"
+                                                                : "Could not save a picture to %s\n",
+                                 qPrintable(file));
+                    QApplication::exit(saved ? 0 : 1);
+                });
             });
             window.editor()->ShowPrintPreview();
         });

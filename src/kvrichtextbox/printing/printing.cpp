@@ -55,7 +55,7 @@ int Printing::CommonDialogPrint(short *MyErr)
 {
     if (MyErr)
         *MyErr = 0;
-    QPrinter printer;
+    QPrinter printer(QPrinter::HighResolution);
     if (!prepareSystemPrinter(printer))
         printer.setPageSize(defaultPaperSize());
     const bool hasSelection = m_core.surface().selLength() > 0;
@@ -84,7 +84,7 @@ int Printing::CommonDialogPrint(short *MyErr)
 
 void Printing::SelPrint(const QVariant &vStartDoc)
 {
-    QPrinter printer;
+    QPrinter printer(QPrinter::HighResolution);
     const bool toFile = vStartDoc.metaType().id() == QMetaType::QString;
     if (toFile) {
         printer.setDocName(kJobName);
@@ -102,7 +102,7 @@ void Printing::SelPrint(const QVariant &vStartDoc)
 
 void Printing::ShowPrintPreview()
 {
-    QPrinter printer;
+    QPrinter printer(QPrinter::HighResolution);
     if (!prepareSystemPrinter(printer))
         printer.setPageSize(defaultPaperSize());
     m_core.services().printPreview(printer, [this](QPrinter &target) {

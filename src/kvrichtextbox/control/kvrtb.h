@@ -516,7 +516,14 @@ public slots:
     uint CommonDialogSelColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
 
     // --- Word count, help and sound ---------------------------------------------------------
+    /// Opens the "Word Count" dialog on this control and returns when the user closes it.
     void ShowWordCount();
+    /// The counts the word-count dialog shows beside the token list, by name: "Words",
+    /// "Characters", "CharactersNoSpaces", "Sentences", "Paragraphs", "Lines" and
+    /// "ReadingSeconds" (at 230 words a minute) for the whole document, and the same keys
+    /// prefixed "Selection" ("SelectionWords", ...) for the selected text alone, all 0 when
+    /// nothing is selected. Words are words and numbers, each web or e-mail address one word.
+    QVariantMap GetWordCountStatistics();
     void PointToWhatsThisHelpFile();
     QString GetHelpFile(bool NoColonFilePath = false);
 

@@ -45,7 +45,7 @@ int main(int argc, char *argv[])
     KvRTB control(services);
     QString rtf = QStringLiteral("{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Liberation Serif;}}"
                                  "{\\colortbl;\\red200\\green0\\blue0;}\\f0\\fs22 ");
-    for (int n = 1; n <= 480; ++n) // about 200 pages
+    for (int n = 1; n <= 280; ++n) // about 200 pages
         rtf += section(n);
     rtf += QStringLiteral("}");
     control.setTextRTF(rtf);

@@ -52,6 +52,33 @@ QStringList plainWords(const QString &text)
     return words;
 }
 
+/// The left edge, in points from the paper's left edge, of each printed word (`pdftotext -bbox`),
+/// in the order printed.
+QList<QPair<QString, double>> wordPositions(const QString &path)
+{
+    QProcess process;
+    process.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), path, QStringLiteral("-")});
+    if (!process.waitForFinished(60000) || process.exitCode() != 0)
+        return {};
+    QList<QPair<QString, double>> words;
+    static const QRegularExpression word(QStringLiteral("<word xMin=\"([0-9.]+)\"[^>]*>([^<]*)</word>"));
+    const QString html = QString::fromUtf8(process.readAllStandardOutput());
+    for (auto it = word.globalMatch(html); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        words.append({m.captured(2), m.captured(1).toDouble()});
+    }
+    return words;
+}
+
+double leftOf(const QList<QPair<QString, double>> &words, const QString &text)
+{
+    for (const auto &w : words) {
+        if (w.first == text)
+            return w.second;
+    }
+    return -1;
+}
+
 QString squeezed(const QString &text)
 {
     return text.simplified();
@@ -154,6 +181,52 @@ private slots:
         const QStringList dated = pdfPages(pdf("date.pdf"));
         QVERIFY(dated.first().contains(date));
         QVERIFY(!dated.first().contains(QStringLiteral("Page 1")));
+    }
+
+    void indentsAndTabStopsPrintWhereTheRulerShowsThem()
+    {
+        KvRTB control(m_services);
+        control.setText(QStringLiteral("Indented starts an inch in.\nOne\tThreeInches\nHanging first line "
+                                       "runs on long enough to wrap to a second line which starts further "
+                                       "in than the first line does, as the ruler's lower handle says.\nRighty"));
+        EditorSurface &surface = control.RichTextBox1();
+        ParaFormat format;
+        format.leftIndent = 1440;
+        surface.setSelection(0, 0);
+        surface.setSelectionParaFormat(format);
+        format = ParaFormat();
+        format.tabStops = QList<int>{4320};
+        surface.setSelection(30, 0);
+        surface.setSelectionParaFormat(format);
+        format = ParaFormat();
+        format.leftIndent = 720;
+        format.hangingIndent = 1440;
+        surface.setSelection(50, 0);
+        surface.setSelectionParaFormat(format);
+        surface.setSelection(0, 0);
+        // With the default margin of an inch (72 points), at printer resolution.
+        control.SelPrint(QVariant(pdf("geometry.pdf")));
+        const auto words = wordPositions(pdf("geometry.pdf"));
+        QVERIFY(!words.isEmpty());
+        QVERIFY2(qAbs(leftOf(words, QStringLiteral("Indented")) - 144) < 2, qPrintable(QString::number(leftOf(words, QStringLiteral("Indented")))));
+        QVERIFY(qAbs(leftOf(words, QStringLiteral("One")) - 72) < 2);
+        QVERIFY2(qAbs(leftOf(words, QStringLiteral("ThreeInches")) - 288) < 2, qPrintable(QString::number(leftOf(words, QStringLiteral("ThreeInches")))));
+        QVERIFY(qAbs(leftOf(words, QStringLiteral("Hanging")) - 108) < 2);
+        // The first word of the hanging paragraph's second line starts at 0.5 + 1 inch.
+        int hanging = -1;
+        for (int i = 0; i < words.size(); ++i) {
+            if (words[i].first == QStringLiteral("Hanging"))
+                hanging = i;
+        }
+        bool secondLineFound = false;
+        for (int i = hanging + 1; i < words.size() && words[i].first != QStringLiteral("Righty"); ++i) {
+            if (words[i].second < words[i - 1].second) {
+                QVERIFY2(qAbs(words[i].second - 180) < 2, qPrintable(QString::number(words[i].second)));
+                secondLineFound = true;
+                break;
+            }
+        }
+        QVERIFY(secondLineFound);
     }
 
     void selectionPrintsAloneAndTheDialogDecides()

@@ -80,6 +80,9 @@ void KvRTB::initialise(PlatformServices &services)
 
 KvRTB::~KvRTB()
 {
+    // The strip draws from the core's ruler: it goes before the core does.
+    delete m_masterPic;
+    m_masterPic = nullptr;
     m_core->surface().setListener(nullptr);
     m_core->surface().setText(QString());
     m_core->converter().setText(QString());
@@ -127,6 +130,8 @@ void KvRTB::resizeEvent(QResizeEvent *event)
 
 void KvRTB::layoutChildren()
 {
+    if (!m_masterPic)
+        return; // being destroyed
     const int w = width();
     const int h = height();
     const bool ruler = m_core->properties().DisplayRuler;

@@ -334,8 +334,8 @@ public slots:
     /// Asks the running long operation to stop at its next check (sets the per-thread flag
     /// that every control on this thread shares; the next long operation clears it).
     void KillSwitch();
-    /// Turns wrapping off (\a Wrap false) or on: at the ruler's width (the right margin, or
-    /// the window when there is none) when \a RulerWrap is true, else at the window's width.
+    /// Turns wrapping off (\a Wrap false) or on: at the ruler's right margin (the width of the
+    /// text on a printed page) when \a RulerWrap is true, else at the window's width.
     /// `MyWrapStyle` follows; `Finish` and `Ready` are raised. Both switches are plain values so
     /// that a host calling by name can pass them.
     void Word_Wrap(const bool &Wrap, const bool &RulerWrap = false);

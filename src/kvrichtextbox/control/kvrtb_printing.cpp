@@ -7,6 +7,20 @@
 
 namespace kvrtb {
 
+namespace {
+
+// True when \a value is one of an enum's values (\a low to \a high); else warns that the setting
+// keeps its \a current value.
+bool isEnumValue(int value, int low, int high, const char *property, const char *enumName, int current)
+{
+    if (value >= low && value <= high)
+        return true;
+    qWarning("KvRTB: %s %d is not a %s value; the setting stays %d.", property, value, enumName, current);
+    return false;
+}
+
+} // namespace
+
 int KvRTB::CommonDialogPrint(short *MyErr) { return core().printing().CommonDialogPrint(MyErr); }
 void KvRTB::SelPrint(const QVariant &vStartDoc) { core().printing().SelPrint(vStartDoc); }
 bool KvRTB::PrinterInstalled() { return core().printing().PrinterInstalled(); }
@@ -22,22 +36,15 @@ void KvRTB::setPageCustomText(const QString &value) { core().printing().decorati
 
 void KvRTB::setPageHeadingAlignment(int value)
 {
-    if (value < CenterAlignHeading || value > LeftAlignHeadingBottom) {
-        qWarning("KvRTB: PageHeadingAlignment %d is not a PageHeadingAlign value; the setting stays %d.", value,
-                 PageHeadingAlignment());
-        return;
-    }
-    core().printing().decorations().headingAlign = value;
+    if (isEnumValue(value, CenterAlignHeading, LeftAlignHeadingBottom, "PageHeadingAlignment", "PageHeadingAlign",
+                    PageHeadingAlignment()))
+        core().printing().decorations().headingAlign = value;
 }
 
 void KvRTB::setPageNumbersAndDate(int value)
 {
-    if (value < PrintNiether || value > PrintCustomWNum) {
-        qWarning("KvRTB: PageNumbersAndDate %d is not a PageNumAndNow value; the setting stays %d.", value,
-                 PageNumbersAndDate());
-        return;
-    }
-    core().printing().decorations().pageNumAndNow = value;
+    if (isEnumValue(value, PrintNiether, PrintCustomWNum, "PageNumbersAndDate", "PageNumAndNow", PageNumbersAndDate()))
+        core().printing().decorations().pageNumAndNow = value;
 }
 
 } // namespace kvrtb

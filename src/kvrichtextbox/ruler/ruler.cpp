@@ -92,14 +92,9 @@ void Ruler::clear()
 
 void Ruler::setTabsFromParagraph()
 {
-    const Marks before = m_marks;
-    readParagraph();
-    // Only the tab stops are taken over; the indents shown stay until the next refresh.
-    const QList<int> tabs = m_marks.tabStops;
-    m_marks = before;
-    m_marks.tabStops = tabs;
     m_cleared = false;
-    redraw(Tabs);
+    readParagraph();
+    redraw(Tabs | Indents);
 }
 
 void Ruler::shade()

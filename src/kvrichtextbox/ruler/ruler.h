@@ -58,7 +58,7 @@ public:
     void draw();
     /// Empties the strip until the next draw or refresh.
     void clear();
-    /// Reads the caret paragraph's tab stops again and redraws them.
+    /// Reads the caret paragraph's tab stops (and indents) again and redraws them.
     void setTabsFromParagraph();
     /// Redraws the shading outside the margins (after `PrinterMargin` changed, say); when the
     /// editor wraps to the ruler, it wraps at the new margin.

@@ -40,6 +40,30 @@ std::unique_ptr<QTextDocument> printableCopy(const QTextDocument *source, const 
     return copy;
 }
 
+// The layout scales fonts, frames, tables and pictures to the device it lays out for, but not
+// the paragraphs' own margins, first-line indent and fixed line heights, which the editor keeps in
+// screen pixels: scaled here, a paragraph indented an inch on screen is an inch in on paper.
+void scaleParagraphGeometry(QTextDocument *document, qreal factor)
+{
+    if (qFuzzyCompare(factor, 1.0))
+        return;
+    QTextCursor cursor(document);
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        QTextBlockFormat format = block.blockFormat();
+        format.setLeftMargin(format.leftMargin() * factor);
+        format.setRightMargin(format.rightMargin() * factor);
+        format.setTopMargin(format.topMargin() * factor);
+        format.setBottomMargin(format.bottomMargin() * factor);
+        format.setTextIndent(format.textIndent() * factor);
+        const int heightType = format.lineHeightType();
+        if (heightType == QTextBlockFormat::FixedHeight || heightType == QTextBlockFormat::MinimumHeight
+            || heightType == QTextBlockFormat::LineDistanceHeight)
+            format.setLineHeight(format.lineHeight() * factor, heightType);
+        cursor.setPosition(block.position());
+        cursor.setBlockFormat(format);
+    }
+}
+
 } // namespace
 
 ParaFormat QtEditorSurface::paraFormatAt(int position) const
@@ -90,10 +114,11 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
     QPainter painter;
     if (!painter.begin(device))
         return fail(QStringLiteral("The printer or output file cannot be written."));
-    // Laid out at the device's resolution: indents, tab stops and pictures, kept in screen
-    // pixels, are scaled by the layout; fonts are in points.
+    // Laid out at the device's resolution: fonts are in points; tab stops, frames and pictures
+    // are scaled by the layout, the paragraphs' margins here.
     QAbstractTextDocumentLayout *textLayout = copy->documentLayout();
     textLayout->setPaintDevice(painter.device());
+    scaleParagraphGeometry(copy.get(), resolution / (kTwipsPerInch / kTwipsPerPixel));
     copy->setPageSize(body.size());
     const int pageCount = std::max(1, copy->pageCount());
     const int first = std::clamp(request.fromPage > 0 ? request.fromPage : 1, 1, pageCount);

@@ -52,10 +52,12 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
 
     ParaFormat selectionParaFormat() const override;
     void setSelectionParaFormat(const ParaFormat &format) override;
+    ParaFormat paraFormatAt(int position) const override;
 
     int find(const QString &what, int start, int end, int flags) const override;
 
@@ -66,6 +68,7 @@ public:
     int firstVisibleLine() const override;
     void scrollLines(int lines, int columns = 0) override;
     QRect formattingRect() const override;
+    int textOriginX() const override;
     int charFromPoint(const QPoint &point) const override;
     int scrollOffset() const override;
     void setScrollOffset(int pixels) override;
@@ -117,6 +120,8 @@ public:
     quintptr windowHandle() const override;
     QWidget *widget() const override;
     void print(QPagedPaintDevice *device) const override;
+    int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
+                    QString *error = nullptr) const override;
 
     void setListener(SurfaceListener *listener) override;
 

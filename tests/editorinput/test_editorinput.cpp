@@ -406,14 +406,18 @@ void TestEditorInput::popupMenuItemsAndCommands()
     const QStringList vb = s.take();
     QVERIFY(vb.indexOf("MenuVBSyntaxClickStart") >= 0 && vb.indexOf("MenuVBSyntaxClickEnd") > vb.indexOf("MenuVBSyntaxClickStart"));
 
-    // Font Color and Highlight Color raise their events; a cancelled dialog keeps the colour.
+    // Font Color takes the colour chosen in the dialog; a cancelled Highlight Color dialog
+    // keeps the old colour. Both raise their events.
     const uint highlight = s.control.MyHLColor();
+    s.services.colourDialogAnswers << ColourDialogResult{true, 0x00FF00};
     s.services.menuAnswers << int(MenuCommand::FontColor) << int(MenuCommand::HighlightColor);
     s.rightClick(1);
     s.rightClick(1);
     const QStringList colours = s.take();
     QVERIFY(colours.contains("MenuFontColorClick") && colours.contains("MenuHLColorClick"));
+    QCOMPARE(s.control.MyFontColor(), 0x00FF00u);
     QCOMPARE(s.control.MyHLColor(), highlight);
+    QCOMPARE(s.services.callsOf(QStringLiteral("colourDialog")).size(), 2);
 
     // Delete through the menu records the whole text: "Undo" is then the control's (id 2).
     s.control.setSelStart(0);

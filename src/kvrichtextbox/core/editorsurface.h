@@ -289,6 +289,13 @@ public:
     /// every call gives a new number.
     virtual quint64 revision() const = 0;
     virtual void setModified(bool modified) = 0;
+    /// A number that grows with every change of the document by at least as many characters
+    /// as the change may have added to `rtf()`: between two readings, `rtf()` cannot have
+    /// grown by more than their difference, so a caller that measured the RTF once can bound
+    /// its length later without writing it again. Changes it cannot bound (pictures, long
+    /// insertions, the default font, anything while frozen) add `kUnboundedRtfGrowth`.
+    virtual quint64 rtfGrowthAllowance() const = 0;
+    static constexpr quint64 kUnboundedRtfGrowth = quint64(1) << 40;
     /// True when `undo` would change the document.
     virtual bool canUndo() const = 0;
     /// Undoes the last edit; called again right after, it redoes it (one toggling step).

@@ -79,6 +79,7 @@ public:
 
     bool isModified() const override;
     quint64 revision() const override;
+    quint64 rtfGrowthAllowance() const override;
     void setModified(bool modified) override;
     bool canUndo() const override;
     void undo() override;
@@ -160,6 +161,8 @@ private:
     int m_freezeCount = 0;
     /// Counts document changes; see `revision`.
     mutable quint64 m_revision = 0;
+    /// See `rtfGrowthAllowance`.
+    mutable quint64 m_rtfAllowance = 0;
     bool m_modified = false;
     bool m_lastWasUndo = false;   ///< the next undo redoes
     bool m_undoing = false;

@@ -332,6 +332,8 @@ private slots:
         QTest::newRow("windows-1252 cr") << QByteArray("don\x92t\rstop \xE9");
         QTest::newRow("utf16le") << QByteArray("\xFF\xFEo\0k\0\r\0\n\0", 10);
         QTest::newRow("utf16be lf") << QByteArray("\xFE\xFF\0o\0k\0\n\0\xE9", 10);
+        QTest::newRow("no-break space and line separator")
+            << QByteArray("100\xC2\xA0km\r\nup\xE2\x80\xA8" "down\r\n");
     }
 
     void textFileRoundTrip()

@@ -10,6 +10,7 @@
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
+#include "hyperlinks/hyperlinks.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -449,6 +450,35 @@ private slots:
         QCOMPARE(c.surface().freezeCount(), 0);
         QCOMPARE(c.events.names.first(), QStringLiteral("Begin"));
         QCOMPARE(c.events.names.mid(c.events.names.size() - 2), (QStringList{"Finish", "Ready"}));
+    }
+
+    void pasteAfterALinkAtTheEnd()
+    {
+        // The link is the last thing in the document; what is pasted after it is plain text,
+        // in the editor and in the RTF written from it.
+        for (const bool frozenByHost : {false, true}) {
+            Control c;
+            c.surface().setText(QStringLiteral("see www.kvrtb.org"));
+            c.core.hyperlinks().HyperLinkDocument();
+            QVERIFY(c.surface().rangeCharFormat(4, 13).hasLinkMarker());
+            QApplication::clipboard()->setText(QStringLiteral(" more"));
+            QVERIFY(c.surface().canPaste());
+            c.surface().setSelStart(17);
+            if (frozenByHost)
+                c.core.lockWindowUpdate(true);
+            c.edit().Paste();
+            if (frozenByHost)
+                c.core.lockWindowUpdate(false);
+            QCOMPARE(c.surface().text(), QStringLiteral("see www.kvrtb.org more"));
+            QVERIFY(c.surface().rangeCharFormat(4, 13).hasLinkMarker());
+            const CharFormat pasted = c.surface().rangeCharFormat(17, 5);
+            QVERIFY(!pasted.hasLinkMarker());
+            QCOMPARE(pasted.linkEffect.value_or(true), false);
+            const QString rtf = c.surface().rtf();
+            const qsizetype field = rtf.indexOf(QLatin1String("HYPERLINK"));
+            QVERIFY(field >= 0);
+            QVERIFY(rtf.indexOf(QLatin1String("more")) > rtf.indexOf(QLatin1Char('}'), rtf.indexOf(QLatin1String("fldrslt"))));
+        }
     }
 
     void eventsOnEveryPath()

@@ -14,6 +14,7 @@
 #include "documents/textfileformat.h"
 #include "hyperlinks/hyperlinks.h"
 
+#include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
@@ -413,6 +414,31 @@ private slots:
         QCOMPARE(d.surface().rangeCharFormat(17, 3).color, std::optional<Colour>(0x0000FF));
     }
 
+    void ownRtfLoadsBackToTheSameText()
+    {
+        // A long document with tables, lists and a "<" and ">" far apart: loaded with the
+        // clean-up on, saved as RTF and loaded again, it keeps its text, and the clean-up finds
+        // nothing more to change the second time.
+        const QString corpus = QStringLiteral(KVRTB_CORPORA_DIR "/rtf/rtfpipe__rtf2xml_old3_from_web.rtf");
+        QVERIFY2(QFileInfo::exists(corpus), qPrintable(corpus));
+        Control first;
+        bool opened = false;
+        first.docs().LoadFile(corpus, 0, nullptr, &opened);
+        QVERIFY(opened);
+        const QString text = first.surface().text();
+        QVERIFY(text.contains(QLatin1String("*P<0.05\n")));
+        QVERIFY(text.contains(QLatin1String("(>140 cm)")));
+        const QString saved = path(QStringLiteral("own.rtf"));
+        QVERIFY(first.docs().SaveFile(saved, 0));
+
+        Control second;
+        second.docs().LoadFile(saved, 0, nullptr, &opened);
+        QVERIFY(opened);
+        const QString again = second.surface().text();
+        QCOMPARE(again.count(QLatin1Char('\n')), text.count(QLatin1Char('\n')));
+        QCOMPARE(again, text);
+    }
+
     void savingFormattedTextAsText()
     {
         Control c;
@@ -748,6 +774,9 @@ private slots:
     {
         QCOMPARE(ContentCleanup::tagSpans(QStringLiteral("a <br> b <i> <<xy>> <p class=x>")),
                  (QList<ContentCleanup::Span>{{2, 4}, {14, 4}, {20, 11}}));
+        // A "<" and a ">" in different paragraphs hold text between them, not a tag.
+        QCOMPARE(ContentCleanup::tagSpans(QStringLiteral("P<0.05\nsharks (>140 cm) <b\nr> <p\u2028q>")),
+                 (QList<ContentCleanup::Span>{{30, 5}}));
         QCOMPARE(ContentCleanup::filler(3), QStringLiteral("\u00D8\u00D8\u00D8"));
         QCOMPARE(ContentCleanup::filler(20000).size(), 20000);
         QVERIFY(ContentCleanup::filler(0).isEmpty());

@@ -17,6 +17,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -262,11 +263,56 @@ private slots:
         QVERIFY(isFileInUse(file));
         ::close(fd);
         QVERIFY(!isFileInUse(file));
-        // An office suite's lock file beside the document.
-        QCOMPARE(officeLockFilePath(file), path(QStringLiteral(".~lock.locked.txt#")));
-        QVERIFY(writeBytes(officeLockFilePath(file), "user,host"));
+    }
+
+    void officeLockFiles()
+    {
+        const QString file = path(QStringLiteral("report.txt"));
+        QVERIFY(writeBytes(file, "the report\r\n"));
+        const QString lockFile = officeLockFilePath(file);
+        QCOMPARE(lockFile, path(QStringLiteral(".~lock.report.txt#")));
+        const QByteArray here = QSysInfo::machineHostName().toUtf8();
+
+        // Left behind by a program that ended on this machine: passed over, and left alone.
+        QVERIFY(writeBytes(lockFile, ",someone," + here + ",22.11.2026 09:15,file:///home/someone/.config;"));
+        QVERIFY(!isFileInUse(file));
+        QVERIFY(writeBytes(lockFile, "garbage"));
+        QVERIFY(!isFileInUse(file));
+        Control c;
+        bool opened = false;
+        c.docs().LoadFile(file, 1, nullptr, &opened);
+        QVERIFY(opened);
+        QCOMPARE(c.surface().text(), QStringLiteral("the report\n"));
+        QVERIFY(c.boxes().isEmpty());
+        QVERIFY(QFileInfo::exists(lockFile));
+
+        // Written on another machine: its programs cannot be seen from here, so it counts.
+        QVERIFY(writeBytes(lockFile, ",someone,elsewhere.invalid,22.11.2026 09:15,file:///home/someone;"));
         QVERIFY(isFileInUse(file));
-        QFile::remove(officeLockFilePath(file));
+
+        // On this machine, while a program keeps the document open (without any lock).
+        QVERIFY(writeBytes(lockFile, ",someone," + here + ",22.11.2026 09:15,file:///home/someone;"));
+        QProcess holder;
+        holder.start(QStringLiteral("sh"), {QStringLiteral("-c"), QStringLiteral("exec 3<\"$0\"; echo open; exec sleep 60"), file});
+        QVERIFY(holder.waitForReadyRead(10000));
+        QVERIFY(isFileInUse(file));
+        Control d;
+        d.docs().LoadFile(file, 1, nullptr, &opened);
+        QVERIFY(!opened);
+        QCOMPARE(d.boxes().size(), 1);
+        QCOMPARE(d.boxes().first().title, QStringLiteral("File is Already Open"));
+        holder.kill();
+        QVERIFY(holder.waitForFinished(10000));
+        QVERIFY(!isFileInUse(file));
+
+        // Or keeps the lock file itself locked.
+        {
+            ChildLock lock(lockFile, ChildLock::Flock);
+            QVERIFY(lock.locked());
+            QVERIFY(isFileInUse(file));
+        }
+        QVERIFY(!isFileInUse(file));
+        QFile::remove(lockFile);
     }
 
     void lockedFileIsNotLoaded()

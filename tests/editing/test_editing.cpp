@@ -259,8 +259,16 @@ private slots:
         CharFormat bold;
         bold.bold = true;
         c.surface().setSelectionCharFormat(bold);
+        QVERIFY(!c.undo().isHyperlinkUndoPending());
         c.undo().SaveSpecialUndoData();
         QVERIFY(c.undo().GetCanUndoSpecial());
+        // The slot is the thread's; the pending undo is the capturing control's own.
+        QVERIFY(c.undo().isHyperlinkUndoPending());
+        {
+            Control other;
+            QVERIFY(other.undo().GetCanUndoSpecial());
+            QVERIFY(!other.undo().isHyperlinkUndoPending());
+        }
 
         c.surface().setText(QStringLiteral("second"));
         c.surface().setSelection(1, 2);

@@ -26,6 +26,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    // Opening a deciphered document ends what the control's own undo had pending.
+    m_documents->setLinkUndoPendingClearer([this] { m_specialUndo->clearHyperlinkUndoPending(); });
 }
 
 ControlCore::~ControlCore() = default;

@@ -90,11 +90,17 @@ void SpecialUndo::storeInSlot()
     slot.text = CaptureUndoSnapshot(surface);
 }
 
+void SpecialUndo::markCaptured()
+{
+    threadState().specialUndo.available = true;
+    m_hyperlinkUndoPending = true;
+}
+
 void SpecialUndo::SaveSpecialUndoData()
 {
     m_core.hyperlinks().SaveTopPosition();
     storeInSlot();
-    threadState().specialUndo.available = true;
+    markCaptured();
 }
 
 void SpecialUndo::SaveRegularUndoData()
@@ -105,7 +111,7 @@ void SpecialUndo::SaveRegularUndoData()
     Undo();
     storeInSlot();
     Undo(); // the second step of the toggling undo redoes the edit
-    threadState().specialUndo.available = true;
+    markCaptured();
 }
 
 void SpecialUndo::SaveDeleteUndoData()
@@ -119,7 +125,7 @@ void SpecialUndo::SaveDeleteUndoData()
     storeInSlot();
     Undo();
     m_core.hyperlinks().EmptyEditorUndoBuffer();
-    threadState().specialUndo.available = true;
+    markCaptured();
 }
 
 void SpecialUndo::SaveInLinkUndoData()

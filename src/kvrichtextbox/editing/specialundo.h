@@ -47,6 +47,13 @@ public:
     /// Empties the surface's own undo buffer (the snapshot stays).
     void EmptyRTBUndoRedoBuffer();
 
+    /// The control's hyperlink-undo-pending flag: raised by every capture this control makes,
+    /// lowered when a document the host deciphered is opened (`OpenDecryptedFile`). While it is
+    /// raised and the surface has nothing to undo, Ctrl+Z and the pop-up menu's "Undo" run
+    /// `HyperUndo`. It belongs to the control, unlike the slot, which the thread shares.
+    bool isHyperlinkUndoPending() const { return m_hyperlinkUndoPending; }
+    void clearHyperlinkUndoPending() { m_hyperlinkUndoPending = false; }
+
     int undoRunState() const { return m_undoRunState; }
     void setUndoRunState(int state) { m_undoRunState = state; }
 
@@ -60,9 +67,12 @@ public:
 private:
     /// Stores selection and snapshot in the slot (the available flag is set by the callers).
     void storeInSlot();
+    /// Marks a capture done: the slot is available and this control's undo is pending.
+    void markCaptured();
 
     ControlCore &m_core;
     int m_undoRunState = 0;
+    bool m_hyperlinkUndoPending = false;
 };
 
 } // namespace kvrtb

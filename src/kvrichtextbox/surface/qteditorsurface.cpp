@@ -810,7 +810,9 @@ void QtEditorSurface::refresh()
 
 quintptr QtEditorSurface::windowHandle() const
 {
-    return quintptr(m_edit->winId());
+    // Not winId(): asking for the id that way gives the editor a native window of its own, a
+    // change of the widget that a read must not make.
+    return quintptr(m_edit->internalWinId());
 }
 
 QWidget *QtEditorSurface::widget() const

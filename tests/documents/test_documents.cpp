@@ -1034,5 +1034,19 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestDocuments)
+// The saving cases that switch users and mount a small disk (test_savingkeepsthefile.cpp).
+int runSavingTests(int argc, char **argv);
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    int status = 0;
+    {
+        TestDocuments documents;
+        status |= QTest::qExec(&documents, argc, argv);
+    }
+    status |= runSavingTests(argc, argv);
+    return status;
+}
+
 #include "test_documents.moc"

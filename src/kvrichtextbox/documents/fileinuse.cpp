@@ -1,5 +1,7 @@
 #include "documents/fileinuse.h"
 
+#include "documents/filedescriptor.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -17,23 +19,6 @@
 namespace kvrtb {
 
 namespace {
-
-/// Closes a descriptor on every path.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int fd) : m_fd(fd) {}
-    ~FileDescriptor()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    FileDescriptor(const FileDescriptor &) = delete;
-    FileDescriptor &operator=(const FileDescriptor &) = delete;
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 bool hasConflictingRecordLock(int fd)
 {

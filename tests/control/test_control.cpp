@@ -103,14 +103,6 @@ void setNonDefaults(KvRTB &control)
     control.setAllowRTFSave(true);
 }
 
-/// True when this build's surface reads RTF (the reader may not be in every build).
-bool rtfReaderAvailable()
-{
-    RecordingPlatformServices services;
-    KvRTB probe(services);
-    return probe.RichTextBox2().setRtf(QStringLiteral("{\\rtf1\\ansi probe\\par}"));
-}
-
 qint64 residentKilobytes()
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -232,13 +224,6 @@ void TestControl::storedRtfReplacesStoredText()
     bag.insert(QStringLiteral("Text"), QStringLiteral("From the stored Text"));
     bag.insert(QStringLiteral("TextRTF"), kRtfDocument);
     const PropertyPassResult result = control.readProperties(bag);
-    if (!rtfReaderAvailable()) {
-        // The document of Text stays and the pass says why.
-        QVERIFY(!result.ok);
-        QVERIFY(result.error.startsWith(QStringLiteral("The stored TextRTF could not be read")));
-        QCOMPARE(control.Text(), QStringLiteral("From the stored Text"));
-        QSKIP("The RTF reader is not in this build (setRtf returns false).");
-    }
     QVERIFY2(result.ok, qPrintable(result.error));
     QCOMPARE(control.Text(), QStringLiteral("From the stored RTF"));
     control.RichTextBox1().setSelection(9, 6);
@@ -427,10 +412,7 @@ void TestControl::settingsBagRoundTrip()
         QSettings settings(file, QSettings::IniFormat);
         SettingsPropertyBag bag(settings, QStringLiteral("KvRTB1"));
         const PropertyPassResult result = restored.readProperties(bag);
-        if (!result.ok && !rtfReaderAvailable())
-            QVERIFY(result.error.startsWith(QStringLiteral("The stored TextRTF")));
-        else
-            QVERIFY2(result.ok, qPrintable(result.error));
+        QVERIFY2(result.ok, qPrintable(result.error));
     }
     for (const PropertySpec &entry : propertyTable()) {
         const QVariant before = original.property(entry.key);

@@ -51,7 +51,7 @@ bool writeBytes(const QString &path, const QByteArray &bytes)
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
 
-/// True when the editor reads RTF; tests of RTF content skip without it. Probes a control of
+/// True when the editor reads RTF, which the tests of RTF content stand on. Probes a control of
 /// its own, so that the probe's formatting stays out of the control under test.
 bool surfaceReadsRtf()
 {
@@ -424,8 +424,7 @@ private slots:
     void rtfRoundTripThroughFiles()
     {
         Control a;
-        if (!surfaceReadsRtf())
-            QSKIP("The editor does not read RTF in this build.");
+        QVERIFY(surfaceReadsRtf());
         a.surface().setText(QStringLiteral("Heading\nbold and red text\ncentred line\n<not a tag>"));
         CharFormat bold;
         bold.bold = true;
@@ -489,8 +488,7 @@ private slots:
     void savingFormattedTextAsText()
     {
         Control c;
-        if (!surfaceReadsRtf())
-            QSKIP("Formatting detection reads the editor's RTF, which this build cannot read back.");
+        QVERIFY(surfaceReadsRtf());
         const QString file = path(QStringLiteral("asked.txt"));
         // Plain text: no question.
         c.surface().setText(QStringLiteral("nothing special"));
@@ -849,8 +847,7 @@ private slots:
     void picturesRemovedWhenNotAllowed()
     {
         Control c;
-        if (!surfaceReadsRtf())
-            QSKIP("The editor does not read RTF in this build.");
+        QVERIFY(surfaceReadsRtf());
         c.core.properties().AllowImages = false;
         const QString file = path(QStringLiteral("picture.rtf"));
         QVERIFY(writeBytes(file, "{\\rtf1\\ansi Before\\par\n{\\pict\\pngblip\\picw1\\pich1 "
@@ -878,8 +875,7 @@ private slots:
     void largeDocumentThreshold()
     {
         Control c;
-        if (!surfaceReadsRtf())
-            QSKIP("The editor's RTF is needed to measure the document.");
+        QVERIFY(surfaceReadsRtf());
         // Grow a loaded text file to an RTF of exactly the limit: plain letters add one byte each.
         QString text = QStringLiteral("see www.kvrtb.org\nw");
         const QString file = path(QStringLiteral("large.txt"));
@@ -891,9 +887,8 @@ private slots:
         QVERIFY(writeBytes(file, text.toUtf8()));
         c.docs().LoadFile(file, 1, nullptr, &opened);
         QVERIFY(opened);
-        const int length = c.surface().rtf().size();
-        if (length != Hyperlinks::kLargeDocumentRtfLength)
-            QSKIP(qPrintable(QStringLiteral("The RTF writer does not grow one byte per letter here (%1).").arg(length)));
+        // Plain letters add one byte each to the RTF, so the document is exactly at the limit.
+        QCOMPARE(c.surface().rtf().size(), Hyperlinks::kLargeDocumentRtfLength);
         c.surface().setSelStart(3);
         c.core.hyperlinks().HyperLinkCurrentLine();
         QVERIFY(c.core.properties().DetectHyperLinks);

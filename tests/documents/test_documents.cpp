@@ -758,13 +758,13 @@ private slots:
         for (bool links : {true, false}) {
             // What the control's own undo had pending ends with the new document.
             c.core.specialUndo().SaveSpecialUndoData();
-            QVERIFY(c.core.specialUndo().isHyperlinkUndoPending());
+            QVERIFY(c.core.specialUndo().linkUndoPending());
             c.events.names.clear();
             short error = -1;
             c.docs().OpenDecryptedFile(plain, 3, &links, &opened, &error);
             QVERIFY(opened);
             QCOMPARE(int(error), 0);
-            QVERIFY(!c.core.specialUndo().isHyperlinkUndoPending());
+            QVERIFY(!c.core.specialUndo().linkUndoPending());
             QCOMPARE(c.surface().text(), QStringLiteral("visit www.kvrtb.org"));
             QCOMPARE(c.surface().rangeCharFormat(6, 13).hasLinkMarker(), links);
             QVERIFY(!c.surface().isModified());
@@ -778,7 +778,7 @@ private slots:
         c.docs().OpenDecryptedFile(plain, 9, nullptr, &opened);
         QVERIFY(!opened);
         QVERIFY(!c.surface().isModified());
-        QVERIFY(!c.core.specialUndo().isHyperlinkUndoPending());
+        QVERIFY(!c.core.specialUndo().linkUndoPending());
         QCOMPARE(c.events.names, (QStringList{QStringLiteral("Finish"), QStringLiteral("Ready")}));
     }
 

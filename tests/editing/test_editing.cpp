@@ -259,15 +259,15 @@ private slots:
         CharFormat bold;
         bold.bold = true;
         c.surface().setSelectionCharFormat(bold);
-        QVERIFY(!c.undo().isHyperlinkUndoPending());
+        QVERIFY(!c.undo().linkUndoPending());
         c.undo().SaveSpecialUndoData();
         QVERIFY(c.undo().GetCanUndoSpecial());
         // The slot is the thread's; the pending undo is the capturing control's own.
-        QVERIFY(c.undo().isHyperlinkUndoPending());
+        QVERIFY(c.undo().linkUndoPending());
         {
             Control other;
             QVERIFY(other.undo().GetCanUndoSpecial());
-            QVERIFY(!other.undo().isHyperlinkUndoPending());
+            QVERIFY(!other.undo().linkUndoPending());
         }
 
         c.surface().setText(QStringLiteral("second"));

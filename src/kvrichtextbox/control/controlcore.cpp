@@ -5,6 +5,7 @@
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
+#include "editorinput/editorinput.h"
 #include "hyperlinks/hyperlinks.h"
 #include "surface/surfacefactory.h"
 
@@ -26,8 +27,11 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
-    // Opening a deciphered document ends what the control's own undo had pending.
-    m_documents->setLinkUndoPendingClearer([this] { m_specialUndo->clearHyperlinkUndoPending(); });
+    m_editorInput = std::make_unique<EditorInput>(*this);
+    // A load forgets the control's mark of an undo snapshot, and the ruler follows the caret
+    // after it through the one ruler hook.
+    m_documents->setLinkUndoPendingClearer([this] { m_specialUndo->clearLinkUndoPending(); });
+    m_documents->setRulerRefresher([this] { refreshRuler(); });
 }
 
 ControlCore::~ControlCore() = default;

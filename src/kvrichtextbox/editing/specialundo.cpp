@@ -88,19 +88,14 @@ void SpecialUndo::storeInSlot()
     slot.selLength = surface.selLength();
     slot.selStart = surface.selStart();
     slot.text = CaptureUndoSnapshot(surface);
-}
-
-void SpecialUndo::markCaptured()
-{
-    threadState().specialUndo.available = true;
-    m_hyperlinkUndoPending = true;
+    m_linkUndoPending = true;
 }
 
 void SpecialUndo::SaveSpecialUndoData()
 {
     m_core.hyperlinks().SaveTopPosition();
     storeInSlot();
-    markCaptured();
+    threadState().specialUndo.available = true;
 }
 
 void SpecialUndo::SaveRegularUndoData()
@@ -111,7 +106,7 @@ void SpecialUndo::SaveRegularUndoData()
     Undo();
     storeInSlot();
     Undo(); // the second step of the toggling undo redoes the edit
-    markCaptured();
+    threadState().specialUndo.available = true;
 }
 
 void SpecialUndo::SaveDeleteUndoData()
@@ -125,7 +120,7 @@ void SpecialUndo::SaveDeleteUndoData()
     storeInSlot();
     Undo();
     m_core.hyperlinks().EmptyEditorUndoBuffer();
-    markCaptured();
+    threadState().specialUndo.available = true;
 }
 
 void SpecialUndo::SaveInLinkUndoData()

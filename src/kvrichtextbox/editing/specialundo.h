@@ -47,15 +47,14 @@ public:
     /// Empties the surface's own undo buffer (the snapshot stays).
     void EmptyRTBUndoRedoBuffer();
 
-    /// The control's hyperlink-undo-pending flag: raised by every capture this control makes,
-    /// lowered when a document the host deciphered is opened (`OpenDecryptedFile`). While it is
-    /// raised and the surface has nothing to undo, Ctrl+Z and the pop-up menu's "Undo" run
-    /// `HyperUndo`. It belongs to the control, unlike the slot, which the thread shares.
-    bool isHyperlinkUndoPending() const { return m_hyperlinkUndoPending; }
-    void clearHyperlinkUndoPending() { m_hyperlinkUndoPending = false; }
-
     int undoRunState() const { return m_undoRunState; }
     void setUndoRunState(int state) { m_undoRunState = state; }
+
+    /// True when this control put a snapshot into the slot (the undo key and the menu's "Undo"
+    /// then fall back on `HyperUndo`) and no load has cleared the mark since. The slot itself is
+    /// shared by the thread's controls; this mark is the control's own.
+    bool linkUndoPending() const { return m_linkUndoPending; }
+    void clearLinkUndoPending() { m_linkUndoPending = false; }
 
     /// The document's RTF, normalised so that a snapshot written back and taken again does not
     /// grow by an empty paragraph per line: from the first "\pard\" line on, a line that is a
@@ -67,12 +66,10 @@ public:
 private:
     /// Stores selection and snapshot in the slot (the available flag is set by the callers).
     void storeInSlot();
-    /// Marks a capture done: the slot is available and this control's undo is pending.
-    void markCaptured();
 
     ControlCore &m_core;
     int m_undoRunState = 0;
-    bool m_hyperlinkUndoPending = false;
+    bool m_linkUndoPending = false;
 };
 
 } // namespace kvrtb

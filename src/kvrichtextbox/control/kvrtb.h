@@ -221,6 +221,9 @@ public:
     /// null when mixed or when there is no such stop.
     Q_INVOKABLE QVariant SelTabs(int e_ellmt) const;
 
+    /// The editor's native window id (`RichTextBox1`), 0 while it has none. Reading it leaves
+    /// the editor as it is: a host that needs a native window calls `winId()` on
+    /// `RichTextBox1().widget()` itself, and `hwnd` gives that id from then on.
     qulonglong hwnd() const;
 
     // --- Printing settings (run time, not persisted) ------------------------------------------

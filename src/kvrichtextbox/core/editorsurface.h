@@ -344,7 +344,9 @@ public:
     virtual void setToolTip(const QString &tip) = 0;
     virtual void setFocus() = 0;
     virtual void refresh() = 0;
-    /// The native window id of the editor.
+    /// The native window id of the editor, 0 while it has none. Reading it never creates one
+    /// (child widgets are drawn in their top-level window until something asks for a native
+    /// window of their own, e.g. `QWidget::winId()` called by the host).
     virtual quintptr windowHandle() const = 0;
     /// The editor widget, for placing it in the control's layout.
     virtual QWidget *widget() const = 0;

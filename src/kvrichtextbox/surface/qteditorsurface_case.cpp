@@ -51,6 +51,47 @@ void QtEditorSurface::upTo(const QString &set, bool forward, bool negate)
     setSelection(position, 0);
 }
 
+namespace {
+
+/// A code point read from UTF-16 text, and how many units it took.
+struct CodePoint {
+    char32_t value = '\n';
+    int units = 1;
+};
+
+/// The code point that ends just before \a position (a paragraph break before the text).
+CodePoint codePointBefore(const QTextDocument *doc, int position)
+{
+    if (position <= 0)
+        return {};
+    const QChar low = characterAt(doc, position - 1);
+    if (low.isLowSurrogate() && position >= 2) {
+        const QChar high = characterAt(doc, position - 2);
+        if (high.isHighSurrogate())
+            return {QChar::surrogateToUcs4(high, low), 2};
+    }
+    return {low.unicode(), 1};
+}
+
+bool isApostrophe(char32_t c)
+{
+    return c == U'\'' || c == U'\u2019';
+}
+
+bool endsSentence(char32_t c)
+{
+    return c == U'.' || c == U'!' || c == U'?';
+}
+
+/// \a mapped when it takes as many UTF-16 units as the original, else the original: a case
+/// change never changes the length of the text (so selection and formatting keep their place).
+char32_t sameLength(const CodePoint &original, char32_t mapped)
+{
+    return (QChar::requiresSurrogates(mapped) ? 2 : 1) == original.units ? mapped : original.value;
+}
+
+} // namespace
+
 void QtEditorSurface::changeCase(int kind)
 {
     if (kind != 0 && kind != 1 && kind != 2 && kind != 4 && kind != 5)
@@ -62,8 +103,10 @@ void QtEditorSurface::changeCase(int kind)
     const int start = current.selectionStart();
     const int end = current.selectionEnd();
 
-    // Where words and sentences begin depends on what stands before the selection.
-    QChar previous = start > 0 ? characterAt(doc, start - 1) : QLatin1Char('\n');
+    // Where words and sentences begin depends on what stands before the selection. A word goes
+    // on after a letter or digit, and after an apostrophe that follows one ("don't", "don’t").
+    CodePoint previous = codePointBefore(doc, start);
+    bool previousAfterWord = QChar::isLetterOrNumber(codePointBefore(doc, start - previous.units).value);
     bool sentenceStart = true;
     for (int p = start - 1; p >= 0; --p) {
         const QChar c = characterAt(doc, p);
@@ -71,7 +114,7 @@ void QtEditorSurface::changeCase(int kind)
             break;
         if (c.isSpace())
             continue;
-        sentenceStart = c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?');
+        sentenceStart = endsSentence(c.unicode());
         break;
     }
 
@@ -93,56 +136,67 @@ void QtEditorSurface::changeCase(int kind)
 
     QTextCursor work(doc);
     work.beginEditBlock();
-    int delta = 0;
     int lastEnd = start;
     for (const Piece &piece : pieces) {
         // Paragraph breaks between pieces start a new sentence and a new word.
         if (piece.start > lastEnd) {
-            previous = QLatin1Char('\n');
+            previous = CodePoint();
+            previousAfterWord = false;
             sentenceStart = true;
         }
         lastEnd = piece.end;
         QTextCursor read(doc);
-        read.setPosition(piece.start + delta);
-        read.setPosition(piece.end + delta, QTextCursor::KeepAnchor);
+        read.setPosition(piece.start);
+        read.setPosition(piece.end, QTextCursor::KeepAnchor);
         const QString before = read.selectedText();
         QString after;
         after.reserve(before.size());
-        for (const QChar c : before) {
-            QString out(c);
+        for (qsizetype i = 0; i < before.size();) {
+            CodePoint c{before.at(i).unicode(), 1};
+            if (before.at(i).isHighSurrogate() && i + 1 < before.size() && before.at(i + 1).isLowSurrogate())
+                c = {QChar::surrogateToUcs4(before.at(i), before.at(i + 1)), 2};
+            char32_t out = c.value;
             switch (kind) {
-            case 0: out = QString(c).toLower(); break;
-            case 1: out = QString(c).toUpper(); break;
+            case 0: out = QChar::toLower(c.value); break;
+            case 1: out = QChar::toUpper(c.value); break;
             case 2:
-                if (c.isLetter())
-                    out = (previous.isLetter() || previous == QLatin1Char('\'')) ? QString(c).toLower()
-                                                                                 : QString(c).toUpper();
+                if (QChar::isLetter(c.value)) {
+                    const bool inWord = QChar::isLetterOrNumber(previous.value)
+                                        || (isApostrophe(previous.value) && previousAfterWord);
+                    out = inWord ? QChar::toLower(c.value) : QChar::toUpper(c.value);
+                }
                 break;
             case 4:
-                if (c.isLetter()) {
-                    out = sentenceStart ? QString(c).toUpper() : QString(c).toLower();
+                if (QChar::isLetter(c.value)) {
+                    out = sentenceStart ? QChar::toUpper(c.value) : QChar::toLower(c.value);
                     sentenceStart = false;
-                } else if (c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?')) {
+                } else if (endsSentence(c.value)) {
                     sentenceStart = true;
                 }
                 break;
             case 5:
-                if (c.isUpper())
-                    out = QString(c).toLower();
-                else if (c.isLower())
-                    out = QString(c).toUpper();
+                if (QChar::isUpper(c.value))
+                    out = QChar::toLower(c.value);
+                else if (QChar::isLower(c.value))
+                    out = QChar::toUpper(c.value);
                 break;
             }
-            after += out;
+            out = sameLength(c, out);
+            if (QChar::requiresSurrogates(out)) {
+                after += QChar(QChar::highSurrogate(out));
+                after += QChar(QChar::lowSurrogate(out));
+            } else {
+                after += QChar(char16_t(out));
+            }
+            previousAfterWord = QChar::isLetterOrNumber(previous.value);
             previous = c;
+            i += c.units;
         }
-        if (after != before) {
+        if (after != before)
             read.insertText(after, piece.format);
-            delta += int(after.size() - before.size());
-        }
     }
     work.endEditBlock();
-    setSelection(start, end - start + delta);
+    setSelection(start, end - start);
 }
 
 } // namespace kvrtb

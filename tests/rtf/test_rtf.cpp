@@ -132,6 +132,7 @@ private slots:
     void plainDocumentHasNoFormattingWords();
     void readsProducerFeatures_data();
     void readsProducerFeatures();
+    void codePagesKeepEveryCharacter();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
     void tablesKeepWidthsAndMergedCells();
@@ -307,6 +308,11 @@ void TestRtf::readsProducerFeatures_data()
     QTest::newRow("bin skipped by length") << QByteArray("{\\rtf1 A{\\*\\blob\\bin5 }{}}}}B}C") << QStringLiteral("AB");
     QTest::newRow("upr reads the unicode half") << QByteArray("{\\rtf1 {\\upr{ansi}{\\*\\ud{\\u1046?}}}}") << QString::fromUtf8("\u0416");
     QTest::newRow("field result kept") << QByteArray("{\\rtf1 {\\field{\\*\\fldinst PAGE}{\\fldrslt 7}}!}") << QStringLiteral("7!");
+    QTest::newRow("starred field result") << QByteArray("{\\rtf1 {\\field{\\*\\fldinst HYPERLINK \"x\"}{\\*\\fldrslt {\\ul link}}}!}") << QStringLiteral("link!");
+    QTest::newRow("macro button prompt") << QByteArray("{\\rtf1 A{\\field{\\*\\fldinst MACROBUTTON NoMacro [Type {\\b here}]}}B{\\field{\\*\\fldinst MACROBUTTON M}{\\fldrslt r}}}")
+                                         << QStringLiteral("A[Type here]Br");
+    QTest::newRow("1255 run ends in a letter") << QByteArray("{\\rtf1\\ansi\\ansicpg1255 \\'f9\\'ec\\'e5\\'ed \\'e0\\'c8}") << QString::fromUtf8("\u05e9\u05dc\u05d5\u05dd \ufb2f");
+    QTest::newRow("1258 run ends in a letter") << QByteArray("{\\rtf1\\ansi\\ansicpg1258 Vi\\'ea\\'f2t Nam \\'e2}") << QString::fromUtf8("Vi\u1ec7t Nam \u00e2");
     QTest::newRow("escaped newline is a paragraph") << QByteArray("{\\rtf1 a\\\nb}") << QStringLiteral("a\nb");
 }
 
@@ -317,6 +323,29 @@ void TestRtf::readsProducerFeatures()
     QTextDocument doc;
     QVERIFY(rtf::readRtf(doc, rtf).ok);
     QCOMPARE(doc.toRawText().replace(QChar::ParagraphSeparator, QLatin1Char('\n')), text);
+}
+
+void TestRtf::codePagesKeepEveryCharacter()
+{
+    // Every single-byte code page a document can name: a run of letters reads as many
+    // characters as it has bytes, the same as each byte read alone.
+    const QList<int> codePages{437, 708, 737, 775, 850, 852, 855, 857, 860, 861, 862, 863, 864, 865, 866, 869,
+                               874, 1250, 1251, 1253, 1254, 1255, 1256, 1257, 1258, 10000, 10004, 10006,
+                               10007, 10029, 10079, 10081, 20866, 21866, 28591, 28592, 28595, 28597};
+    const QByteArray letters = "\\'e1\\'e2\\'e3\\'e4\\'e5\\'e6";
+    for (int codePage : codePages) {
+        const QByteArray head = "{\\rtf1\\ansi\\ansicpg" + QByteArray::number(codePage) + ' ';
+        QTextDocument doc;
+        QVERIFY(rtf::readRtf(doc, head + letters + '}').ok);
+        QString singly;
+        for (int i = 0; i < letters.size(); i += 4) {
+            QTextDocument one;
+            QVERIFY(rtf::readRtf(one, head + letters.mid(i, 4) + '}').ok);
+            QCOMPARE(one.toPlainText().size(), 1);
+            singly += one.toPlainText();
+        }
+        QVERIFY2(doc.toPlainText() == singly, qPrintable(QString::number(codePage)));
+    }
 }
 
 void TestRtf::linksPicturesTablesAndLists()

@@ -77,8 +77,8 @@ void Reader::finishDestination(const GroupState &closing)
     if (closing.opensField && !m_fieldOfGroup.empty()) {
         const FieldEntry field = m_fields[size_t(m_fieldOfGroup.back())];
         m_fieldOfGroup.pop_back();
-        if (field.symbol > 0 && field.symbol < 0xFFFF && field.textMark == m_textCount && top().dest == Dest::Text)
-            addChar(char16_t(field.symbol));
+        if (!field.fallback.isEmpty() && field.textMark == m_textCount && top().dest == Dest::Text)
+            addString(field.fallback);
     }
     if (!closing.destRoot)
         return;
@@ -106,8 +106,14 @@ void Reader::finishDestination(const GroupState &closing)
             if (field.flags & 2)
                 field.address.clear();
             const QString instruction = field.instruction.trimmed();
-            if (instruction.startsWith(QLatin1String("SYMBOL"), Qt::CaseInsensitive))
-                field.symbol = instruction.mid(6).trimmed().section(QLatin1Char(' '), 0, 0).toInt();
+            if (instruction.startsWith(QLatin1String("SYMBOL"), Qt::CaseInsensitive)) {
+                const int symbol = instruction.mid(6).trimmed().section(QLatin1Char(' '), 0, 0).toInt();
+                if (symbol > 0 && symbol < 0xFFFF)
+                    field.fallback = QChar(char16_t(symbol));
+            } else if (instruction.startsWith(QLatin1String("MACROBUTTON"), Qt::CaseInsensitive)) {
+                // "MACROBUTTON name prompt text": the prompt is what the user sees.
+                field.fallback = instruction.mid(11).trimmed().section(QLatin1Char(' '), 1).trimmed();
+            }
         }
         m_destText.clear();
         break;

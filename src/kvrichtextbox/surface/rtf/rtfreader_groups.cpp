@@ -41,7 +41,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     GroupState &state = top();
     if (state.star) {
         state.star = false;
-        const bool knownDestination = word == Word::FldInst || word == Word::Pict || word == Word::ShpPict
+        const bool knownDestination = word == Word::FldInst || word == Word::FldRslt || word == Word::Pict || word == Word::ShpPict
                                       || word == Word::PnDest || word == Word::ListTable
                                       || word == Word::ListOverrideTable || word == Word::Ud
                                       || word == Word::ListDest || word == Word::ListLevel

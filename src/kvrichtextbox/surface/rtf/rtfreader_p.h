@@ -164,7 +164,9 @@ struct FieldEntry {
     QString address;
     bool hyperlink = false;
     int flags = 0; // \kvlink: 1 = shown without the link effect, 2 = no address
-    int symbol = 0; // SYMBOL field: the character it shows when it has no result
+    // What the field shows when it has no result: the character of a SYMBOL field, the prompt
+    // of a MACROBUTTON field.
+    QString fallback;
     qint64 textMark = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
 #include <QCryptographicHash>
@@ -153,6 +154,14 @@ void Reader::finishDestination(const GroupState &closing)
         m_pnAfter += m_destText;
         m_destText.clear();
         break;
+    case Dest::AtnId:
+        m_atnId = m_destText.trimmed();
+        m_destText.clear();
+        break;
+    case Dest::AtnAuthor:
+        m_atnAuthor = m_destText.trimmed();
+        m_destText.clear();
+        break;
     case Dest::ListLevel:
         if (!m_lists.empty())
             m_lists.back().levels.push_back(m_levelBuild);
@@ -201,6 +210,8 @@ void Reader::addToDestination(const QString &s)
     case Dest::FieldInst:
     case Dest::PnTextBefore:
     case Dest::PnTextAfter:
+    case Dest::AtnId:
+    case Dest::AtnAuthor:
         m_destText += s;
         break;
     default:
@@ -318,6 +329,10 @@ void Reader::handleDestinationWord(Word word)
     case Word::ListOverrideTable: open(Dest::ListOverrideTable); break;
     case Word::ListOverride: open(Dest::ListOverride); break;
     case Word::Upr: flushRun(); state.dest = Dest::Upr; break;
+    case Word::Footnote: beginNote(int(NoteKind::Footnote)); break;
+    case Word::Annotation: beginNote(int(NoteKind::Annotation)); break;
+    case Word::AtnId: open(Dest::AtnId); break;
+    case Word::AtnAuthor: open(Dest::AtnAuthor); break;
     case Word::NonShpPict:
     case Word::PnText:
     case Word::ListText:

@@ -1,5 +1,7 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfnotes.h"
+
 #include <algorithm>
 
 namespace kvrtb::rtf::detail {
@@ -27,7 +29,7 @@ void Reader::closeGroup()
 {
     flushBytes();
     m_unicodeSkip = 0;
-    if (m_stack.size() <= 1)
+    if (m_stack.size() <= 1 || (m_inNote && m_stack.size() <= m_noteBase + 1))
         return;
     const GroupState closing = m_stack.back();
     m_stack.pop_back();
@@ -45,7 +47,9 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::PnDest || word == Word::ListTable
                                       || word == Word::ListOverrideTable || word == Word::Ud
                                       || word == Word::ListDest || word == Word::ListLevel
-                                      || word == Word::KvLink || word == Word::NestTableProps;
+                                      || word == Word::KvLink || word == Word::NestTableProps
+                                      || word == Word::Footnote || word == Word::Annotation
+                                      || word == Word::AtnId || word == Word::AtnAuthor;
         if (!knownDestination) {
             flushText();
             state.dest = Dest::Skip;
@@ -252,17 +256,23 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Line: if (dest == Dest::Text) addChar(QChar::LineSeparator); break;
     case Word::Tab: addChar('\t'); break;
     case Word::Cell:
-        if (dest == Dest::Text)
-            endCell();
-        break;
     case Word::Row:
-        if (dest == Dest::Text)
+        // Table words inside a note end its paragraph: the note is not part of the table.
+        if (dest == Dest::Text && m_inNote)
+            endParagraph(true);
+        else if (dest == Dest::Text && word == Word::Cell)
+            endCell();
+        else if (dest == Dest::Text)
             endRow();
         break;
     case Word::ChFtn:
-        // The automatic number of a footnote reference; the footnote's own text is skipped.
+    case Word::ChAtn:
         if (dest == Dest::Text)
-            addString(QString::number(++m_footnoteNumber));
+            addNoteMark(word == Word::ChAtn);
+        break;
+    case Word::FtnAlt:
+        if (m_inNote && m_noteKind == int(NoteKind::Footnote))
+            m_noteKind = int(NoteKind::Endnote);
         break;
     case Word::EmDash: addChar(0x2014); break;
     case Word::EnDash: addChar(0x2013); break;

@@ -52,6 +52,8 @@ enum class Dest : quint8 {
     ListOverrideTable,
     ListOverride,
     Upr,          // the ANSI half of \upr: text ignored until \ud
+    AtnId,        // an annotation's author initials
+    AtnAuthor,    // an annotation's author name
     Ignore,       // text ignored, control words still read (\field, \object shells)
 };
 
@@ -60,7 +62,8 @@ enum class Word : quint16 {
     // destinations
     Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
     PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
-    ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, SkipDest,
+    ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, Footnote, Annotation, AtnId, AtnAuthor,
+    SkipDest,
     // document
     Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
     // font table
@@ -80,7 +83,7 @@ enum class Word : quint16 {
     ListId, LevelNfc, LevelNfcN, LevelStartAt,
     // special characters and breaks
     Par, Line, Tab, Cell, NestCell, Row, NestRow, Page, Sect, EmDash, EnDash, LQuote, RQuote,
-    ChFtn, LDblQuote, RDblQuote, Bullet, EmSpace, EnSpace, QmSpace, Zwj, Zwnj, LtrMark, RtlMark,
+    ChFtn, ChAtn, FtnAlt, LDblQuote, RDblQuote, Bullet, EmSpace, EnSpace, QmSpace, Zwj, Zwnj, LtrMark, RtlMark,
     // fields
     KvLink,
     // picture
@@ -102,6 +105,8 @@ struct CharState {
     qint32 offset = 0;     // twips
     qint32 lang = 0;
     qint32 link = -1;      // index of the hyperlink field the text belongs to
+    qint32 noteId = 0;     // the note this reference or note mark belongs to
+    qint32 noteMark = 0;   // an automatically numbered note reference or mark
 
     bool operator==(const CharState &o) const { return std::memcmp(this, &o, sizeof(CharState)) == 0; }
     bool operator!=(const CharState &o) const { return !(*this == o); }
@@ -201,6 +206,17 @@ struct RowDef {
     quint8 pendingMerge = 0; // merge words seen before the cell's \cellx
 };
 
+// A footnote, endnote or annotation met in a paragraph: its RTF is read when the paragraph ends,
+// into paragraphs of its own after it.
+struct PendingNote {
+    const char *begin = nullptr; // the group's content, after its destination word
+    const char *end = nullptr;
+    int id = 0;
+    int kind = 0;   // NoteKind
+    int number = 0; // the number its automatic marks show
+    CharState ch;   // the character format at the reference
+};
+
 struct PictureBuild {
     QByteArray header;
     QByteArray data;
@@ -223,6 +239,8 @@ public:
     void run(const QByteArray &bytes);
 
 private:
+    // Reads the bytes from m_p to m_end.
+    void parse();
     // bytes, groups and control words (rtfreader_tokenizer.cpp, rtfreader_groups.cpp)
     void skipGroup();
     void openGroup();
@@ -267,6 +285,11 @@ private:
     void finishDestination(const GroupState &closing);
     void addToDestination(const QString &s);
     void insertPicture(const PictureBuild &picture);
+
+    // notes (rtfreader_notes.cpp)
+    void addNoteMark(bool annotation);
+    void beginNote(int kind);
+    void insertPendingNotes();
 
     // tables (rtfreader_tables.cpp)
     void ensureTableState();
@@ -322,6 +345,20 @@ private:
     bool m_runStateSet = false;
     QHash<CharState, QTextCharFormat> m_formatCache;
     QString m_destText;
+
+    // notes
+    std::vector<PendingNote> m_pendingNotes;
+    int m_noteCount = 0;       // notes met so far (their ids)
+    int m_annotationNumber = 0;
+    int m_pendingRef = 0;      // the note id of a reference mark just read, until other text
+    int m_pendingRefNumber = 0;
+    bool m_inNote = false;     // reading a note's paragraphs
+    int m_noteId = 0;
+    int m_noteKind = 0;
+    int m_noteNumber = 0;
+    size_t m_noteBase = 0;     // the group depth a note's reading starts at
+    QString m_atnId, m_atnAuthor;
+    QHash<int, QString> m_noteAuthors;
 
     // paragraphs and lists
     bool m_paragraphHasContent = false;

@@ -1,5 +1,7 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfnotes.h"
+
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextList>
@@ -96,6 +98,11 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    if (m_inNote) {
+        qt.setProperty(NoteKindProperty, m_noteKind);
+        qt.setProperty(NoteIdProperty, m_noteId);
+        qt.setBackground(noteBackground());
+    }
     m_cursor.setBlockFormat(qt);
 
     // Lists: \ls paragraphs join the list of their override and level wherever they are;
@@ -151,6 +158,7 @@ void Reader::endParagraph(bool insertBreak)
     flushText();
     ensureTableState();
     applyParagraph(top().para);
+    insertPendingNotes();
     if (insertBreak) {
         m_cursor.insertBlock(QTextBlockFormat(), blockCharFormat());
         ++m_parCount;

@@ -26,7 +26,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"stylesheet", Word::SkipDest}, {"info", Word::SkipDest}, {"header", Word::SkipDest},
         {"headerl", Word::SkipDest}, {"headerr", Word::SkipDest}, {"headerf", Word::SkipDest},
         {"footer", Word::SkipDest}, {"footerl", Word::SkipDest}, {"footerr", Word::SkipDest},
-        {"footerf", Word::SkipDest}, {"footnote", Word::SkipDest}, {"annotation", Word::SkipDest},
+        {"footerf", Word::SkipDest}, {"footnote", Word::Footnote}, {"annotation", Word::Annotation},
         {"revtbl", Word::SkipDest}, {"filetbl", Word::SkipDest}, {"objdata", Word::SkipDest},
         {"xe", Word::SkipDest}, {"tc", Word::SkipDest}, {"txe", Word::SkipDest},
         {"rxe", Word::SkipDest}, {"private", Word::SkipDest}, {"template", Word::SkipDest},
@@ -38,7 +38,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"objname", Word::SkipDest}, {"pnseclvl", Word::SkipDest}, {"fldtype", Word::SkipDest},
         {"falt", Word::SkipDest}, {"panose", Word::SkipDest}, {"shpinst", Word::SkipDest},
         {"sp", Word::SkipDest}, {"sn", Word::SkipDest}, {"sv", Word::SkipDest},
-        {"atnid", Word::SkipDest}, {"atnauthor", Word::SkipDest}, {"atndate", Word::SkipDest},
+        {"atnid", Word::AtnId}, {"atnauthor", Word::AtnAuthor}, {"atndate", Word::SkipDest},
         {"atnref", Word::SkipDest}, {"atntime", Word::SkipDest}, {"atrfstart", Word::SkipDest},
         {"atrfend", Word::SkipDest}, {"ftnsep", Word::SkipDest}, {"ftnsepc", Word::SkipDest},
         {"ftncn", Word::SkipDest}, {"aftnsep", Word::SkipDest}, {"aftnsepc", Word::SkipDest},
@@ -80,7 +80,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"par", Word::Par}, {"line", Word::Line}, {"tab", Word::Tab}, {"cell", Word::Cell},
         {"nestcell", Word::NestCell}, {"row", Word::Row}, {"nestrow", Word::NestRow},
         {"page", Word::Page}, {"sect", Word::Sect}, {"column", Word::Page},
-        {"chftn", Word::ChFtn}, {"emdash", Word::EmDash}, {"endash", Word::EnDash}, {"lquote", Word::LQuote},
+        {"chftn", Word::ChFtn}, {"chatn", Word::ChAtn}, {"ftnalt", Word::FtnAlt}, {"emdash", Word::EmDash}, {"endash", Word::EnDash}, {"lquote", Word::LQuote},
         {"rquote", Word::RQuote}, {"ldblquote", Word::LDblQuote}, {"rdblquote", Word::RDblQuote},
         {"bullet", Word::Bullet}, {"emspace", Word::EmSpace}, {"enspace", Word::EnSpace},
         {"qmspace", Word::QmSpace}, {"zwj", Word::Zwj}, {"zwnj", Word::Zwnj},
@@ -105,7 +105,28 @@ void Reader::run(const QByteArray &bytes)
     m_stack.reserve(64);
     m_stack.emplace_back();
     m_stack.back().dest = Dest::Skip; // text before the outer group is not part of the document
+    parse();
+    // A file that ends inside groups is read as if they were closed.
+    flushText();
+    while (m_stack.size() > 1 && m_started) {
+        const GroupState closing = m_stack.back();
+        m_stack.pop_back();
+        finishDestination(closing);
+    }
+    if (m_table)
+        leaveTable();
+    // The last paragraph keeps its properties; a final \par with nothing after it ends the
+    // document's last paragraph rather than starting an empty one.
+    if (m_endsDocument && !m_paragraphHasContent && m_lastWasPar && m_parCount > 0) {
+        m_cursor.deletePreviousChar();
+    } else {
+        applyParagraph(top().para);
+    }
+    insertPendingNotes();
+}
 
+void Reader::parse()
+{
     while (m_p < m_end && !m_finished) {
         const char c = *m_p;
         if (top().dest == Dest::Skip && m_started) {
@@ -219,22 +240,6 @@ void Reader::run(const QByteArray &bytes)
             break;
         }
         }
-    }
-    // A file that ends inside groups is read as if they were closed.
-    flushText();
-    while (m_stack.size() > 1 && m_started) {
-        const GroupState closing = m_stack.back();
-        m_stack.pop_back();
-        finishDestination(closing);
-    }
-    if (m_table)
-        leaveTable();
-    // The last paragraph keeps its properties; a final \par with nothing after it ends the
-    // document's last paragraph rather than starting an empty one.
-    if (m_endsDocument && !m_paragraphHasContent && m_lastWasPar && m_parCount > 0) {
-        m_cursor.deletePreviousChar();
-    } else {
-        applyParagraph(top().para);
     }
 }
 

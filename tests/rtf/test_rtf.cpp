@@ -154,6 +154,7 @@ private slots:
     void readsProducerFeatures();
     void codePagesKeepEveryCharacter();
     void notesAreShownAndWrittenBack();
+    void shapesShowTextAndPictures();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
     void tablesKeepWidthsAndMergedCells();
@@ -432,6 +433,31 @@ void TestRtf::notesAreShownAndWrittenBack()
     QTextDocument part;
     QVERIFY(rtf::readRtf(part, rtf::writeRtf(doc, first.position(), first.position() + first.length() - 1)).ok);
     QCOMPARE(notesView(part), QString::fromUtf8("Study. It was work1 and* was.|N1/1: 1\u00a0A bibliography.|N1/1: Second."));
+}
+
+void TestRtf::shapesShowTextAndPictures()
+{
+    QImage image(4, 3, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    const QByteArray pict = "{\\pict\\pngblip\\picw4\\pich3 " + png.toHex() + "}";
+    const QByteArray source =
+        "{\\rtf1\\ansi Before {\\shp{\\*\\shpinst\\shpleft0\\shptop0{\\sp{\\sn shapeType}{\\sv 202}}"
+        "{\\sp{\\sn fillColor}{\\sv 255}}{\\shptxt \\pard In the {\\b box}\\par}}"
+        "{\\shprslt{\\*\\do\\dptxbx{\\dptxbxtext In the box}}In the box}} middle "
+        "{\\shp{\\*\\shpinst{\\sp{\\sn pib}{\\sv " + pict + "}}}{\\shprslt " + pict + "}}"
+        " and {\\*\\shppict" + pict + "}{\\nonshppict{\\pict\\wmetafile8 0100}} after.\\par}";
+    QTextDocument doc;
+    QVERIFY(rtf::readRtf(doc, source).ok);
+    QCOMPARE(doc.toRawText().replace(QChar::ParagraphSeparator, QLatin1Char('|')),
+             QStringLiteral("Before In the box| middle \uFFFC and \uFFFC after."));
+    QTextDocument back;
+    QVERIFY(rtf::readRtf(back, rtf::writeRtf(doc)).ok);
+    QCOMPARE(signature(back), signature(doc));
+    QCOMPARE(back.toRawText(), doc.toRawText());
 }
 
 void TestRtf::linksPicturesTablesAndLists()

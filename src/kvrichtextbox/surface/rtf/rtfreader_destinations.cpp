@@ -154,6 +154,10 @@ void Reader::finishDestination(const GroupState &closing)
         m_pnAfter += m_destText;
         m_destText.clear();
         break;
+    case Dest::ShapeName:
+        m_shapeProperty = m_destText.trimmed();
+        m_destText.clear();
+        break;
     case Dest::AtnId:
         m_atnId = m_destText.trimmed();
         m_destText.clear();
@@ -212,6 +216,7 @@ void Reader::addToDestination(const QString &s)
     case Dest::PnTextAfter:
     case Dest::AtnId:
     case Dest::AtnAuthor:
+    case Dest::ShapeName:
         m_destText += s;
         break;
     default:
@@ -333,6 +338,26 @@ void Reader::handleDestinationWord(Word word)
     case Word::Annotation: beginNote(int(NoteKind::Annotation)); break;
     case Word::AtnId: open(Dest::AtnId); break;
     case Word::AtnAuthor: open(Dest::AtnAuthor); break;
+    // Shapes: the text of a text box and the picture that fills a shape are shown inline, where
+    // the shape is anchored; other properties, and the result written for readers that do not
+    // know shapes, are not.
+    case Word::ShpInst:
+    case Word::Sp:
+        flushText();
+        if (state.dest == Dest::Text || state.dest == Dest::Ignore)
+            state.dest = Dest::Ignore;
+        break;
+    case Word::Sn: open(Dest::ShapeName); break;
+    case Word::Sv:
+        flushText();
+        state.dest = m_shapeProperty == QLatin1String("pib") && state.dest == Dest::Ignore ? Dest::Ignore : Dest::Skip;
+        break;
+    case Word::ShpTxt:
+        flushText();
+        if (state.dest == Dest::Ignore)
+            state.dest = Dest::Text;
+        break;
+    case Word::ShpRslt:
     case Word::NonShpPict:
     case Word::PnText:
     case Word::ListText:

@@ -49,7 +49,8 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::ListDest || word == Word::ListLevel
                                       || word == Word::KvLink || word == Word::NestTableProps
                                       || word == Word::Footnote || word == Word::Annotation
-                                      || word == Word::AtnId || word == Word::AtnAuthor;
+                                      || word == Word::AtnId || word == Word::AtnAuthor
+                                      || word == Word::ShpInst || word == Word::ShpTxt;
         if (!knownDestination) {
             flushText();
             state.dest = Dest::Skip;

@@ -54,6 +54,7 @@ enum class Dest : quint8 {
     Upr,          // the ANSI half of \upr: text ignored until \ud
     AtnId,        // an annotation's author initials
     AtnAuthor,    // an annotation's author name
+    ShapeName,    // the name of a shape property (\sn)
     Ignore,       // text ignored, control words still read (\field, \object shells)
 };
 
@@ -63,7 +64,7 @@ enum class Word : quint16 {
     Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
     PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
     ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, Footnote, Annotation, AtnId, AtnAuthor,
-    SkipDest,
+    ShpInst, ShpTxt, ShpRslt, Sp, Sn, Sv, SkipDest,
     // document
     Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
     // font table
@@ -359,6 +360,8 @@ private:
     size_t m_noteBase = 0;     // the group depth a note's reading starts at
     QString m_atnId, m_atnAuthor;
     QHash<int, QString> m_noteAuthors;
+
+    QString m_shapeProperty; // the name of the shape property being read
 
     // paragraphs and lists
     bool m_paragraphHasContent = false;

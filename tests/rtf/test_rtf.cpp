@@ -155,6 +155,7 @@ private slots:
     void codePagesKeepEveryCharacter();
     void notesAreShownAndWrittenBack();
     void shapesShowTextAndPictures();
+    void pageBreaksAreKept();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
     void tablesKeepWidthsAndMergedCells();
@@ -458,6 +459,34 @@ void TestRtf::shapesShowTextAndPictures()
     QVERIFY(rtf::readRtf(back, rtf::writeRtf(doc)).ok);
     QCOMPARE(signature(back), signature(doc));
     QCOMPARE(back.toRawText(), doc.toRawText());
+}
+
+// The paragraphs' texts, "^" before those that start a new page.
+QString pagesView(const QTextDocument &doc)
+{
+    QStringList out;
+    for (QTextBlock block = doc.begin(); block.isValid(); block = block.next())
+        out << (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore ? QStringLiteral("^") : QString())
+                   + block.text();
+    return out.join(QLatin1Char('|'));
+}
+
+void TestRtf::pageBreaksAreKept()
+{
+    const QList<std::pair<QByteArray, QString>> cases{
+        {"{\\rtf1 one\\page two\\par\\page three\\par}", QStringLiteral("one|^two|^three")},
+        {"{\\rtf1 \\page first\\par second{\\pagebb third}\\par\\pard\\pagebb\\par\\pard x}", QStringLiteral("^first|secondthird|^|x")},
+        {"{\\rtf1 a\\sect\\sectd b\\sect\\sectd\\sbknone c\\column d\\par\\sect}", QStringLiteral("a|^b|c|d")},
+        {"{\\rtf1 \\trowd\\cellx1000\\intbl x\\page y\\cell\\row\\pard z}", QStringLiteral("|x|y|z")},
+    };
+    for (const auto &[source, expected] : cases) {
+        QTextDocument doc;
+        QVERIFY(rtf::readRtf(doc, source).ok);
+        QCOMPARE(pagesView(doc), expected);
+        QTextDocument back;
+        QVERIFY(rtf::readRtf(back, rtf::writeRtf(doc)).ok);
+        QCOMPARE(pagesView(back), expected);
+    }
 }
 
 void TestRtf::linksPicturesTablesAndLists()

@@ -244,11 +244,21 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::LevelStartAt: m_levelBuild.start = param; break;
 
     case Word::Par:
-    case Word::Page:
-    case Word::Sect:
         if (dest == Dest::Text)
             endParagraph(true);
         break;
+    case Word::Page:
+    case Word::Sect:
+    case Word::Column:
+        if (dest == Dest::Text)
+            pageBreak(word != Word::Column);
+        break;
+    case Word::SbkNone:
+        // A section that continues on the same page (or column): its \sect broke no page.
+        if (!m_paragraphHasContent)
+            m_pageBreakPending = false;
+        break;
+    case Word::PageBb: para.pageBreakBefore = value != 0; break;
     case Word::NestCell:
     case Word::NestRow:
         if (dest == Dest::Text && m_table)

@@ -83,7 +83,7 @@ enum class Word : quint16 {
     // list table
     ListId, LevelNfc, LevelNfcN, LevelStartAt,
     // special characters and breaks
-    Par, Line, Tab, Cell, NestCell, Row, NestRow, Page, Sect, EmDash, EnDash, LQuote, RQuote,
+    Par, Line, Tab, Cell, NestCell, Row, NestRow, Page, Sect, Column, PageBb, SbkNone, EmDash, EnDash, LQuote, RQuote,
     ChFtn, ChAtn, FtnAlt, LDblQuote, RDblQuote, Bullet, EmSpace, EnSpace, QmSpace, Zwj, Zwnj, LtrMark, RtlMark,
     // fields
     KvLink,
@@ -142,6 +142,7 @@ struct ParaState {
     qint32 ruleOverride = -1;
     qint32 bulletIndent = 0;
     bool intbl = false;
+    bool pageBreakBefore = false; // \pagebb
     qint32 ls = 0;
     qint32 ilvl = 0;
     PnState pn;
@@ -367,6 +368,8 @@ private:
     bool m_paragraphHasContent = false;
     int m_parCount = 0;
     bool m_lastWasPar = false;
+    bool m_pageBreakPending = false; // the paragraph being read starts a new page
+    void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a
     // paragraph's properties are applied again.
     QHash<int, QPointer<QTextList>> m_lsLists;

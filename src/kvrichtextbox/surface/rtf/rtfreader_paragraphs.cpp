@@ -98,6 +98,8 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && !m_table)
+        qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
     if (m_inNote) {
         qt.setProperty(NoteKindProperty, m_noteKind);
         qt.setProperty(NoteIdProperty, m_noteId);
@@ -153,11 +155,27 @@ void Reader::applyParagraph(const ParaState &para)
     }
 }
 
+// \page, \sect and \column end the paragraph they are in (unless it has nothing yet), and a
+// page or section break makes the next paragraph start a new page.
+void Reader::pageBreak(bool page)
+{
+    if (m_inNote || m_table || top().para.intbl) {
+        endParagraph(true);
+        return;
+    }
+    if (m_paragraphHasContent)
+        endParagraph(true);
+    if (page)
+        m_pageBreakPending = true;
+}
+
 void Reader::endParagraph(bool insertBreak)
 {
     flushText();
     ensureTableState();
     applyParagraph(top().para);
+    if (!m_inNote)
+        m_pageBreakPending = false;
     insertPendingNotes();
     if (insertBreak) {
         m_cursor.insertBlock(QTextBlockFormat(), blockCharFormat());

@@ -478,8 +478,11 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     // A note goes whole with its reference, even where the range ends before it.
     const int rangeStart = m_inNote ? blockStart : m_start;
     const int rangeEnd = m_inNote ? blockEnd + 1 : m_end;
+    const bool inTable = !m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart));
+    if (!inTable && !m_inNote && (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
+        word("page");
     word("pard");
-    if (!m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart)))
+    if (inTable)
         word("intbl");
     writeParagraphProperties(block);
     if (block.length() == 1)

@@ -156,6 +156,7 @@ private slots:
     void notesAreShownAndWrittenBack();
     void shapesShowTextAndPictures();
     void pageBreaksAreKept();
+    void groupsNotShownAreWrittenBack();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
     void tablesKeepWidthsAndMergedCells();
@@ -487,6 +488,44 @@ void TestRtf::pageBreaksAreKept()
         QVERIFY(rtf::readRtf(back, rtf::writeRtf(doc)).ok);
         QCOMPARE(pagesView(back), expected);
     }
+}
+
+void TestRtf::groupsNotShownAreWrittenBack()
+{
+    const QList<QByteArray> header{"{\\stylesheet{\\s0 Normal;}{\\s1\\b heading 1;}}", "{\\info{\\title A {\\b title}}{\\author Me}}",
+                                   "{\\*\\generator Other 1.0;}", "{\\header \\pard\\qc Page head\\par}",
+                                   "{\\footer \\pard Foot\\par}"};
+    const QByteArray inFirst = "{\\*\\bkmkstart here}";
+    const QByteArray inSecond = "{\\*\\otherprogram {\\*\\nested \\bin3 }}}x}}";
+    const QByteArray source = "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}" + header.join("\n") + "\\pard First" + inFirst
+                              + " paragraph.\\par\\pard " + inSecond + "Second.\\par}";
+    QTextDocument doc;
+    QVERIFY(rtf::readRtf(doc, source).ok);
+    QCOMPARE(doc.toPlainText(), QStringLiteral("First paragraph.\nSecond."));
+    const QByteArray written = rtf::writeRtf(doc);
+    for (const QByteArray &group : header + QList<QByteArray>{inFirst, inSecond})
+        QVERIFY2(written.count(group) == 1, group.constData());
+    // In the header before the text, and with their paragraphs.
+    QVERIFY(written.indexOf(header.last()) < written.indexOf("First"));
+    QVERIFY(written.indexOf(inFirst) < written.indexOf("First"));
+    QVERIFY(written.indexOf(inSecond) > written.indexOf("First"));
+    QTextDocument back;
+    QVERIFY(rtf::readRtf(back, written).ok);
+    QCOMPARE(rtf::writeRtf(back), written);
+
+    // Splitting a paragraph writes its groups once; deleting it deletes them; a part of the
+    // document has no header groups.
+    QTextCursor cursor(&doc);
+    cursor.setPosition(5);
+    cursor.insertBlock();
+    QCOMPARE(rtf::writeRtf(doc).count(inFirst), 1);
+    QVERIFY(!rtf::writeRtf(doc, 7, 12).contains("stylesheet"));
+    cursor.movePosition(QTextCursor::End);
+    cursor.movePosition(QTextCursor::StartOfBlock, QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    cursor.deletePreviousChar();
+    QVERIFY(!rtf::writeRtf(doc).contains(inSecond));
+    QVERIFY(rtf::writeRtf(doc).contains(header.first()));
 }
 
 void TestRtf::linksPicturesTablesAndLists()

@@ -357,17 +357,30 @@ void Reader::handleDestinationWord(Word word)
         if (state.dest == Dest::Ignore)
             state.dest = Dest::Text;
         break;
+    case Word::SkipDest:
+        skipAndKeep(state);
+        break;
     case Word::ShpRslt:
     case Word::NonShpPict:
     case Word::PnText:
     case Word::ListText:
-    case Word::SkipDest:
+        // What readers that do not know a construct read instead of it: written anew.
         flushText();
         state.dest = Dest::Skip;
         break;
     default:
         break;
     }
+}
+
+void Reader::skipAndKeep(GroupState &state)
+{
+    // Groups met in the document's text (not inside a table, field, picture or other
+    // destination) are kept; skipGroup() gathers their bytes when it reaches their end.
+    flushText();
+    const GroupState *parent = m_stack.size() >= 2 ? &m_stack[m_stack.size() - 2] : nullptr;
+    state.keep = parent && parent->dest == Dest::Text && state.dest == Dest::Text && !state.opensField;
+    state.dest = Dest::Skip;
 }
 
 } // namespace kvrtb::rtf::detail

@@ -20,6 +20,8 @@ void Reader::openGroup()
     next.destRoot = false;
     next.star = false;
     next.opensField = false;
+    next.keep = false;
+    next.start = m_p - 1;
     if (next.dest == Dest::Upr)
         next.dest = Dest::Ignore;
     m_stack.push_back(std::move(next));
@@ -52,8 +54,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::AtnId || word == Word::AtnAuthor
                                       || word == Word::ShpInst || word == Word::ShpTxt;
         if (!knownDestination) {
-            flushText();
-            state.dest = Dest::Skip;
+            skipAndKeep(state);
             return;
         }
     }
@@ -171,7 +172,10 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Lang: ch.lang = std::max(0, param); break;
     case Word::V: break; // hidden text is kept as text, as other readers show it in their text
 
-    case Word::Pard: para = ParaState(); break;
+    case Word::Pard:
+        para = ParaState();
+        m_bodyStarted = m_bodyStarted || dest == Dest::Text;
+        break;
     case Word::TrowD:
         if (!state.nestedTableProps) {
             m_rowCellCount = 0;

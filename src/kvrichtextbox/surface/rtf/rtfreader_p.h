@@ -159,6 +159,8 @@ struct GroupState {
     bool opensField = false; // this group is a \field
     bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
     int codePage = 1252;   // code page of the current font
+    bool keep = false;     // a skipped group kept to be written back (rtfkept.h)
+    const char *start = nullptr; // the group's "{"
 };
 
 struct FontEntry {
@@ -363,6 +365,12 @@ private:
     QHash<int, QString> m_noteAuthors;
 
     QString m_shapeProperty; // the name of the shape property being read
+
+    // groups kept to be written back (rtfkept.h)
+    QByteArray m_keptDocument;
+    QByteArray m_keptParagraph;
+    bool m_bodyStarted = false; // a \pard, text or paragraph end seen: the header is over
+    void skipAndKeep(GroupState &state);
 
     // paragraphs and lists
     bool m_paragraphHasContent = false;

@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtfnotes.h"
 
 #include <QTextBlock>
@@ -100,6 +101,10 @@ void Reader::applyParagraph(const ParaState &para)
     format::applyParaFields(qt, fields);
     if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && !m_table)
         qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    if (!m_keptParagraph.isEmpty()) {
+        qt.setProperty(KeptParagraphGroups, m_keptParagraph);
+        m_keptParagraph.clear();
+    }
     if (m_inNote) {
         qt.setProperty(NoteKindProperty, m_noteKind);
         qt.setProperty(NoteIdProperty, m_noteId);

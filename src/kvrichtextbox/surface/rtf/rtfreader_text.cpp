@@ -131,6 +131,7 @@ void Reader::beginText(qsizetype length)
     }
     ensureTableState();
     m_pendingRef = 0;
+    m_bodyStarted = true;
     m_textCount += length;
     m_paragraphHasContent = true;
     m_lastWasPar = false;

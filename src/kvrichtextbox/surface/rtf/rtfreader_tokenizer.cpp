@@ -1,6 +1,10 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
+
 #include <QTextCursor>
+#include <QTextDocument>
+#include <QTextFrame>
 
 #include <algorithm>
 #include <cctype>
@@ -120,11 +124,23 @@ void Reader::run(const QByteArray &bytes)
     // The last paragraph keeps its properties; a final \par with nothing after it ends the
     // document's last paragraph rather than starting an empty one.
     if (m_endsDocument && !m_paragraphHasContent && m_lastWasPar && m_parCount > 0) {
+        const QByteArray kept = m_cursor.block().previous().blockFormat().property(KeptParagraphGroups).toByteArray()
+                                + m_keptParagraph;
         m_cursor.deletePreviousChar();
+        if (!kept.isEmpty()) {
+            QTextBlockFormat format;
+            format.setProperty(KeptParagraphGroups, kept);
+            m_cursor.mergeBlockFormat(format);
+        }
     } else {
         applyParagraph(top().para);
     }
     insertPendingNotes();
+    if (m_endsDocument && !m_keptDocument.isEmpty()) {
+        QTextFrameFormat root = m_doc.rootFrame()->frameFormat();
+        root.setProperty(KeptDocumentGroups, m_keptDocument);
+        m_doc.rootFrame()->setFrameFormat(root);
+    }
 }
 
 void Reader::parse()
@@ -257,6 +273,11 @@ void Reader::skipGroup()
             if (--depth == 0) {
                 if (m_stack.size() > 1) {
                     const GroupState closing = m_stack.back();
+                    if (closing.keep && closing.start) {
+                        // The document's header, or the paragraph being read.
+                        const bool header = !m_bodyStarted && m_parCount == 0 && !m_inNote;
+                        (header ? m_keptDocument : m_keptParagraph).append(closing.start, qsizetype(m_p - closing.start));
+                    }
                     m_stack.pop_back();
                     finishDestination(closing);
                 }

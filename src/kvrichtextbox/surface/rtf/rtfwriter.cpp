@@ -2,6 +2,7 @@
 
 #include "surface/formatmapping.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
@@ -86,6 +87,7 @@ private:
     // The paragraphs of each note whose reference is written, by note id.
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;
+    QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
     bool m_inNote = false;
     QStringList m_fonts;
     std::vector<Colour> m_colours;
@@ -485,6 +487,12 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     if (inTable)
         word("intbl");
     writeParagraphProperties(block);
+    const QByteArray kept = block.blockFormat().property(KeptParagraphGroups).toByteArray();
+    if (!kept.isEmpty() && !m_keptWritten.contains(kept)) {
+        m_keptWritten.insert(kept);
+        m_out += kept;
+        m_needSpace = false;
+    }
     if (block.length() == 1)
         writeCharProps(block.charFormat());
 
@@ -695,6 +703,9 @@ QByteArray Writer::run()
         }
         head += "}\n";
     }
+    const QByteArray kept = m_doc.rootFrame()->frameFormat().property(KeptDocumentGroups).toByteArray();
+    if (!kept.isEmpty() && m_start == 0)
+        head += kept + '\n';
     return head + body + "}\n";
 }
 

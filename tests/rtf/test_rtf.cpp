@@ -157,6 +157,7 @@ private slots:
     void shapesShowTextAndPictures();
     void pageBreaksAreKept();
     void groupsNotShownAreWrittenBack();
+    void listsAreWrittenAsAListTable();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
     void tablesKeepWidthsAndMergedCells();
@@ -526,6 +527,52 @@ void TestRtf::groupsNotShownAreWrittenBack()
     cursor.deletePreviousChar();
     QVERIFY(!rtf::writeRtf(doc).contains(inSecond));
     QVERIFY(rtf::writeRtf(doc).contains(header.first()));
+}
+
+// Each paragraph's list level and number as shown ("-" outside lists).
+QString listsView(const QTextDocument &doc)
+{
+    QStringList out;
+    for (QTextBlock block = doc.begin(); block.isValid(); block = block.next()) {
+        const QTextList *list = block.textList();
+        out << (list ? QStringLiteral("%1:%2").arg(list->format().indent()).arg(list->itemText(block)) : QStringLiteral("-"));
+    }
+    return out.join(QLatin1Char(' '));
+}
+
+void TestRtf::listsAreWrittenAsAListTable()
+{
+    const QByteArray source =
+        "{\\rtf1\\ansi{\\*\\listtable{\\list{\\listlevel\\levelnfc0\\levelstartat7{\\leveltext\\'02\\'00.;}}"
+        "{\\listlevel\\levelnfc4{\\leveltext\\'02\\'01);}}{\\listlevel\\levelnfc2{\\leveltext\\'03(\\'02);}}"
+        "{\\listlevel\\levelnfc23{\\leveltext\\'01\\u8226 ?;}}\\listid5}}"
+        "{\\*\\listoverridetable{\\listoverride\\listid5\\ls1}}"
+        "\\pard\\ls1 seven\\par\\pard\\ls1\\ilvl1 a\\par\\pard\\ls1\\ilvl2 i\\par\\pard\\ls1\\ilvl2 ii\\par"
+        "\\pard\\ls1\\ilvl3 dot\\par\\pard\\ls1\\ilvl1 b\\par\\pard\\ls1 eight\\par\\pard plain\\par}";
+    QTextDocument doc;
+    QVERIFY(rtf::readRtf(doc, source).ok);
+    // (Qt 6.4 lists have no start number of their own: the 7 is kept with the list, not shown.)
+    const QString expected = QStringLiteral("1:1. 2:a) 3:(i) 3:(ii) 4:. 2:b) 1:2. -");
+    QCOMPARE(listsView(doc), expected);
+    const QByteArray written = rtf::writeRtf(doc);
+    QVERIFY(written.contains("{\\*\\listtable"));
+    QVERIFY(written.contains("\\ls4\\ilvl3"));
+    QVERIFY(written.contains("{\\listtext (ii)\\tab}"));
+    // Our reader reads the list table alone, the paragraph numbering alone, and both, alike.
+    QString tableText = QString::fromLatin1(written);
+    tableText.replace(QRegularExpression(QStringLiteral(R"(\{\\\*\\pn[^{}]*(\{[^{}]*\}[^{}]*)*\})")), "");
+    const QByteArray tableOnly = tableText.toLatin1();
+    QVERIFY(!tableOnly.contains("\\pn"));
+    QString numberingText = QString::fromLatin1(written);
+    numberingText.replace(QRegularExpression(QStringLiteral(R"(\\ls\d+|\\ilvl\d+)")), QString());
+    const QByteArray numberingOnly = numberingText.toLatin1();
+    for (const QByteArray &form : {written, tableOnly, numberingOnly}) {
+        QTextDocument back;
+        QVERIFY(rtf::readRtf(back, form).ok);
+        QCOMPARE(listsView(back), form == numberingOnly ? QStringLiteral("1:1. 1:a) 1:(i) 1:(ii) 1:. 1:a) 1:1. -") : expected);
+        if (form != numberingOnly)
+            QCOMPARE(signature(back), signature(doc));
+    }
 }
 
 void TestRtf::linksPicturesTablesAndLists()

@@ -129,13 +129,19 @@ void Reader::applyParagraph(const ParaState &para)
             NumberingStyle style = NumberingStyle::Period;
             const int listId = m_overrideToList.value(para.ls, -1);
             for (const ListDef &def : m_lists) {
-                if (def.id != listId || def.levels.empty())
+                if (def.id != listId || def.levels.empty() || para.pn.numbering != 0)
                     continue;
                 const ListLevelDef &lvl = def.levels[size_t(std::min<int>(level, int(def.levels.size()) - 1))];
                 numbering = numberingOfNfc(lvl.nfc);
                 start = lvl.start;
                 style = numbering == Numbering::Bullet ? NumberingStyle::Period : styleOfLevelText(lvl.text);
                 break;
+            }
+            if (para.pn.numbering != 0) {
+                // Paragraph numbering given with the list says more than the list table.
+                numbering = Numbering(para.pn.numbering);
+                start = para.pn.start;
+                style = NumberingStyle(para.pn.style);
             }
             QTextListFormat listFormat = format::listFormatFor(numbering, start, style);
             listFormat.setIndent(level + 1);

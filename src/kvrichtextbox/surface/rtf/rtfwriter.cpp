@@ -3,6 +3,7 @@
 #include "surface/formatmapping.h"
 #include "surface/rtf/codepage.h"
 #include "surface/rtf/rtfkept.h"
+#include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
@@ -88,6 +89,7 @@ private:
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;
     QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
+    ListTableBuilder m_listTable;
     bool m_inNote = false;
     QStringList m_fonts;
     std::vector<Colour> m_colours;
@@ -429,6 +431,14 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
     if (*p.numbering != Numbering::None) {
         const Numbering numbering = *p.numbering;
         const NumberingStyle style = *p.numberingStyle;
+        // The list table for word processors, and the paragraph numbering of older readers,
+        // which also carries what the list table cannot say (our reader takes it over the list
+        // table's level).
+        const QTextList *list = block.textList();
+        const int level = std::clamp(list->format().indent() - 1, 0, 8);
+        word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level));
+        if (level)
+            word("ilvl", level);
         m_out += "{\\*\\pn";
         m_out += numbering == Numbering::Bullet ? "\\pnlvlblt" : "\\pnlvlbody";
         if (style == NumberingStyle::NoNumber)
@@ -467,6 +477,12 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         case NumberingStyle::NoNumber: break;
         }
         m_out += '}';
+        if (style != NumberingStyle::NoNumber) {
+            // The number as text, for readers that know neither form.
+            m_out += "{\\listtext ";
+            escaped(numbering == Numbering::Bullet ? QString(QChar(0x2022)) : list->itemText(block), m_out);
+            m_out += "\\tab}";
+        }
         m_needSpace = false;
     } else if (*p.bulletIndent) {
         word("kvbulletindent", *p.bulletIndent);
@@ -703,6 +719,7 @@ QByteArray Writer::run()
         }
         head += "}\n";
     }
+    head += m_listTable.tables();
     const QByteArray kept = m_doc.rootFrame()->frameFormat().property(KeptDocumentGroups).toByteArray();
     if (!kept.isEmpty() && m_start == 0)
         head += kept + '\n';

@@ -6,6 +6,7 @@
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
 #include "hyperlinks/hyperlinks.h"
+#include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -26,6 +27,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -27,19 +27,10 @@ bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return fa
 // Spelling: still to come.
 bool KvRTB::DetectMisspellings(QStringList &) { reportNotAvailable("DetectMisspellings"); return false; }
 bool KvRTB::DetectNotWords(int) { reportNotAvailable("DetectNotWords"); return false; }
-void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
-{
-    reportNotAvailable("GetPossibleSpellingCorrections");
-    SCData.Suggestions.clear();
-    SCData.SuggestionsFound = false;
-}
 int KvRTB::SpellCheck(QStringList &) { reportNotAvailable("SpellCheck"); return -1; }
 void KvRTB::PrepNonSpellCheckRTB(const QStringList &) { reportNotAvailable("PrepNonSpellCheckRTB"); }
 int KvRTB::GoToNextSpellError() { reportNotAvailable("GoToNextSpellError"); return -1; }
 int KvRTB::GoToPreviousSpellError() { reportNotAvailable("GoToPreviousSpellError"); return -1; }
-int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
-void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
-int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
 void KvRTB::ShowRandomWord() { reportNotAvailable("ShowRandomWord"); }

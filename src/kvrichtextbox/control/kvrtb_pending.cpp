@@ -24,13 +24,7 @@ QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAv
 void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
 bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
 
-// Spelling: still to come.
-bool KvRTB::DetectMisspellings(QStringList &) { reportNotAvailable("DetectMisspellings"); return false; }
-bool KvRTB::DetectNotWords(int) { reportNotAvailable("DetectNotWords"); return false; }
-int KvRTB::SpellCheck(QStringList &) { reportNotAvailable("SpellCheck"); return -1; }
-void KvRTB::PrepNonSpellCheckRTB(const QStringList &) { reportNotAvailable("PrepNonSpellCheckRTB"); }
-int KvRTB::GoToNextSpellError() { reportNotAvailable("GoToNextSpellError"); return -1; }
-int KvRTB::GoToPreviousSpellError() { reportNotAvailable("GoToPreviousSpellError"); return -1; }
+// Spelling dialog: still to come.
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
 void KvRTB::ShowRandomWord() { reportNotAvailable("ShowRandomWord"); }
@@ -46,12 +40,6 @@ int KvRTB::CommonDialogPrint(short *) { reportNotAvailable("CommonDialogPrint");
 void KvRTB::SelPrint(const QVariant &) { reportNotAvailable("SelPrint"); }
 bool KvRTB::PrinterInstalled() { reportNotAvailable("PrinterInstalled"); return false; }
 void KvRTB::ShowPrintPreview() { reportNotAvailable("ShowPrintPreview"); }
-
-// Find and replace: still to come.
-int KvRTB::Find2(const QString &, FindDirectionQ, FindOptionsQ, bool) { reportNotAvailable("Find2"); return -1; }
-bool KvRTB::FindVerify(const QString &, FindOptionsQ) { reportNotAvailable("FindVerify"); return false; }
-void KvRTB::ShowFindReplace() { reportNotAvailable("ShowFindReplace"); }
-void KvRTB::ExitFindRep() { reportNotAvailable("ExitFindRep"); }
 
 // Font and colour selection: still to come. The colour dialogs answer "cancelled" with the
 // colour they were given.
@@ -82,9 +70,6 @@ uint KvRTB::CommonDialogSelColor(const QVariant &CurrentColor, short *)
     reportNotAvailable("CommonDialogSelColor");
     return CurrentColor.toUInt();
 }
-
-// Word count: still to come.
-void KvRTB::ShowWordCount() { reportNotAvailable("ShowWordCount"); }
 
 // Help and sound: still to come.
 void KvRTB::PointToWhatsThisHelpFile() { reportNotAvailable("PointToWhatsThisHelpFile"); }

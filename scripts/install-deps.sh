@@ -11,6 +11,7 @@ packages=(
   clang libclang-rt-14-dev
   libreoffice-writer-nogui
   poppler-utils xvfb
+  hunspell hunspell-en-us
 )
 
 missing=()

@@ -13,6 +13,7 @@
 #include "spelling/misspellings.h"
 #include "printing/printing.h"
 #include "ruler/ruler.h"
+#include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -44,6 +45,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
     m_ruler = std::make_unique<Ruler>(*this);
     m_printing = std::make_unique<Printing>(*this);
+    m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -455,6 +455,8 @@ public slots:
     bool DetectMisspellings(QStringList &MyReturnArray);
     bool DetectNotWords(int MyHitSpot);
     void GetPossibleSpellingCorrections(kvrtb::SPELL_CHECK_TYPE &SCData);
+    /// The same suggestions as `GetPossibleSpellingCorrections`, the likeliest correction first.
+    void GetRankedSpellingCorrections(kvrtb::SPELL_CHECK_TYPE &SCData);
     int SpellCheck(QStringList &ReturnArray);
     void PrepNonSpellCheckRTB(const QStringList &PassInArray);
     int GoToNextSpellError();

@@ -24,16 +24,7 @@ QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAv
 void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
 bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
 
-// Spelling suggestions, corrections and the spelling dialog: still to come.
-void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
-{
-    reportNotAvailable("GetPossibleSpellingCorrections");
-    SCData.Suggestions.clear();
-    SCData.SuggestionsFound = false;
-}
-int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
-void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
-int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
+// Spelling dialog: still to come.
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
 

@@ -24,6 +24,7 @@ class Printing;
 class Ruler;
 class SpecialUndo;
 class WhatsThisHelp;
+class SpellingCorrections;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -74,6 +75,8 @@ public:
     Misspellings &misspellings() { return *m_misspellings; }
     /// Find and replace, and the "Find / Replace" dialog.
     FindReplace &findReplace() { return *m_findReplace; }
+    /// Corrections of misspelt words and taking them back.
+    SpellingCorrections &spellingCorrections() { return *m_spellingCorrections; }
 
     /// The font and colour dialogs and default-font mode.
     FontSelection &fontSelection() { return *m_fontSelection; }
@@ -118,6 +121,7 @@ private:
     std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
     std::unique_ptr<Ruler> m_ruler;
     std::unique_ptr<Printing> m_printing;
+    std::unique_ptr<SpellingCorrections> m_spellingCorrections;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -7,6 +7,7 @@
 #include "editing/specialundo.h"
 #include "hyperlinks/hyperlinks.h"
 #include "surface/surfacefactory.h"
+#include "syntax/syntax.h"
 
 #include <QWidget>
 
@@ -26,6 +27,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_syntax = std::make_unique<Syntax>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -16,6 +16,7 @@ class EditCommands;
 class Hyperlinks;
 class LinesAndCase;
 class SpecialUndo;
+class Syntax;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -58,6 +59,8 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// Keyword colouring of VB6, VB.NET and the host's own patterns.
+    Syntax &syntax() { return *m_syntax; }
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -81,6 +84,7 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<Syntax> m_syntax;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -197,6 +197,15 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief A same-length rewrite: the characters from `start` become those of `text`.
+    struct TextRewrite {
+        int start = 0;
+        QString text;
+    };
+    /// Replaces characters one for one (a case change, say), each new character keeping the
+    /// format of the one it replaces; paragraph breaks inside a range stay as they are. The
+    /// whole list is one edit, like `applyCharFormats`; the selection does not move.
+    virtual void rewriteCharacters(const QList<TextRewrite> &rewrites) = 0;
     /// The format of [start, start + length) with mixed attributes empty.
     virtual CharFormat rangeCharFormat(int start, int length) const = 0;
 

@@ -52,6 +52,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
     CharFormat rangeCharFormat(int start, int length) const override;
 
     ParaFormat selectionParaFormat() const override;

@@ -449,7 +449,7 @@ void TestSyntax::cancelLeavesExactDocumentAndProgress()
         EditorSurface &s = f.surface();
         f.core.properties().DetectHyperLinks = true;
         // An address that is not linked must not come back linked.
-        s.setText(longSource(200) + QStringLiteral("see www.example.com\n"));
+        s.setText(longSource(1500) + QStringLiteral("see www.example.com\n"));
         s.setSelection(5, 0);
         s.replaceSelection(QStringLiteral("x")); // something the surface can undo
         QVERIFY(s.canUndo());
@@ -489,13 +489,13 @@ void TestSyntax::cancelLeavesExactDocumentAndProgress()
         f.core.syntax().Cancel_Syntax();
         threadState().cancelRequested = true;
         f.core.syntax().ApplyVB6Syntax(Syntax_All_Text, Remove_All_Formatting);
-        QCOMPARE(colourOf(s, QStringLiteral("' note 199")), kComment);
+        QCOMPARE(colourOf(s, QStringLiteral("' note 1499")), kComment);
         QCOMPARE(f.core.progress(), 0);
         // The control's own undo brings back the document from before the run.
         f.core.properties().DetectHyperLinks = false;
         f.core.specialUndo().HyperUndo();
         QCOMPARE(s.text(), text);
-        QCOMPARE(colourOf(s, QStringLiteral("' note 199")), colourOf(s, QStringLiteral("Dim s199"), 0, 3));
+        QCOMPARE(colourOf(s, QStringLiteral("' note 1499")), colourOf(s, QStringLiteral("Dim s1499"), 0, 3));
     }
 }
 

@@ -235,6 +235,10 @@ public:
     virtual QRect formattingRect() const = 0;
     /// The position nearest to a viewport pixel point.
     virtual int charFromPoint(const QPoint &point) const = 0;
+    /// Scrolls so that the display line holding \a position is the first one visible (as far
+    /// as the view can scroll). Lays the document out only down to that line, so it stays quick
+    /// right after a change of the whole document's format.
+    virtual void scrollToPosition(int position) = 0;
     /// Vertical scroll offset in pixels, and setting it back.
     virtual int scrollOffset() const = 0;
     virtual void setScrollOffset(int pixels) = 0;

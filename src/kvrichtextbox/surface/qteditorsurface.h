@@ -66,6 +66,7 @@ public:
     int lineFromChar(int position) const override;
     int firstVisibleLine() const override;
     void scrollLines(int lines, int columns = 0) override;
+    void scrollToPosition(int position) override;
     QRect formattingRect() const override;
     int charFromPoint(const QPoint &point) const override;
     int scrollOffset() const override;

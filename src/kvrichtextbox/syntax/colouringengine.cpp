@@ -21,6 +21,14 @@ ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules)
     }
     while (m_role < kRoleCount && m_matches[size_t(m_role)].isEmpty())
         ++m_role;
+    if (rules.capitalise) {
+        for (const QString &entry : rules.canonicalKeywords.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+            m_canonicalExact.insert(entry);
+            const QString lower = entry.toLower();
+            if (!m_canonicalByLowerCase.contains(lower))
+                m_canonicalByLowerCase.insert(lower, entry);
+        }
+    }
 }
 
 void ColouringEngine::collect(int role, const Pass &pass)
@@ -123,19 +131,17 @@ void ColouringEngine::paint(const Match &match, Colour colour)
 
 void ColouringEngine::makeCanonical(const Match &match)
 {
+    // The list is "|Word|Word|...|": a matched word is an entry when "|word|" occurs in it.
     const QString matched = m_original.mid(match.start, match.length);
-    const QString &list = m_rules.canonicalKeywords;
-    const QString entry = QLatin1Char('|') + matched + QLatin1Char('|');
-    if (list.contains(entry, Qt::CaseSensitive))
+    if (m_canonicalExact.contains(matched))
         return;
     m_text.replace(match.start, match.length, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
-    const qsizetype at = list.indexOf(entry, 0, Qt::CaseInsensitive);
-    if (at < 0)
+    const auto canonical = m_canonicalByLowerCase.constFind(matched.toLower());
+    if (canonical == m_canonicalByLowerCase.constEnd())
         return;
     // Every upper-case letter of the canonical spelling is made upper case in the text.
-    const QStringView canonical = QStringView(list).mid(at + 1, match.length);
-    for (int i = 0; i < canonical.size(); ++i) {
-        if (canonical.at(i).isUpper())
+    for (int i = 0; i < canonical->size() && i < match.length; ++i) {
+        if (canonical->at(i).isUpper())
             m_text[match.start + i] = m_text.at(match.start + i).toUpper();
     }
 }
@@ -151,11 +157,11 @@ QList<EditorSurface::FormatSpan> ColouringEngine::colourSpans(int offset) const
         while (end < size && m_colour[size_t(end)] == colour)
             ++end;
         if (colour != 0) {
-            EditorSurface::FormatSpan span;
+            spans.emplace_back();
+            EditorSurface::FormatSpan &span = spans.back();
             span.start = offset + i;
             span.length = end - i;
             span.format.color = colour;
-            spans.append(span);
         }
         i = end;
     }

@@ -3,7 +3,9 @@
 #include "core/colour.h"
 #include "core/editorsurface.h"
 
+#include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -105,6 +107,9 @@ private:
     QString m_text;
     Rules m_rules;
     std::array<Colour, kRoleCount> m_colours{};
+    /// The canonical list as a set of its entries, and its first entry for each lower-case form.
+    QSet<QString> m_canonicalExact;
+    QHash<QString, QString> m_canonicalByLowerCase;
     std::array<QList<Match>, kRoleCount> m_matches;
     std::vector<Colour> m_colour;
     std::vector<bool> m_protected;

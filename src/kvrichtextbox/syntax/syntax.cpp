@@ -192,7 +192,9 @@ void Syntax::colouringPass(Variant variant, int method, int formatting)
             continue;
 
         applyResult(engine, start, allText ? -1 : int(subject.size()), formatting);
-        m_core.hyperlinks().RestoreTopPosition();
+        // Back to the first visible line of before the run. Only the part of the document down
+        // to it is laid out again now; the rest follows while the application is idle.
+        surface.scrollToPosition(state.savedTopPosition);
         m_core.hyperlinks().EmptyEditorUndoBuffer();
         return;
     }
@@ -231,9 +233,8 @@ void Syntax::applyResult(const ColouringEngine &engine, int start, int length, i
         noBullets.numbering = Numbering::None;
         surface.setSelectionParaFormat(noBullets);
     }
-    QList<EditorSurface::FormatSpan> spans;
-    spans.append({start, length, baseFormat(formatting)});
-    spans.append(engine.colourSpans(start));
+    QList<EditorSurface::FormatSpan> spans = engine.colourSpans(start);
+    spans.prepend({start, length, baseFormat(formatting)});
     surface.applyCharFormats(spans);
     surface.rewriteCharacters(engine.rewrites(start));
     surface.setSelection(start, 0);

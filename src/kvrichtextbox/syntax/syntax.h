@@ -30,8 +30,9 @@ class ControlCore;
 /// no other colouring run starts there and `Cancel_Syntax` of any control on it cancels the run.
 class Syntax {
 public:
-    /// Matches handled between two yields to the event loop.
-    static constexpr int kMatchesPerYield = 256;
+    /// Matches handled between two yields to the event loop (a few milliseconds of work), besides
+    /// the yield at the end of each pass.
+    static constexpr int kMatchesPerYield = 2048;
 
     enum class Variant { VB6, VBNet, My };
 

@@ -7,6 +7,7 @@
 #include "core/threadstate.h"
 #include "corefixture.h"
 #include "editing/specialundo.h"
+#include "editorinput/popupmenu.h"
 #include "syntax/colouringengine.h"
 #include "syntax/keywordpatterns.h"
 #include "syntax/syntax.h"
@@ -588,6 +589,20 @@ void TestSyntax::controlMembersAndUndo()
     control.ApplyVBNetSyntax();
     QCOMPARE(control.GetTextString(), QStringLiteral("Dim s As String ' c"));
     QCOMPARE(colourOf(control.RichTextBox1(), QStringLiteral("Dim")), Colour(0xFF0000));
+
+    // As a user does it: "Apply VB6 Syntax" from the pop-up menu, then Ctrl+Z takes it back.
+    control.setText(QStringLiteral("dim t as long ' x"));
+    const QString typed = control.GetRTFString();
+    control.setShowVB6Syntax(true);
+    QWidget *editor = control.RichTextBox1().widget();
+    services.menuAnswers << int(MenuCommand::ApplyVB6Syntax);
+    QSignalSpy menuEnd(&control, &KvRTB::MenuVBSyntaxClickEnd);
+    QTest::keyClick(editor, Qt::Key_Menu);
+    QCOMPARE(menuEnd.size(), 1);
+    QCOMPARE(control.GetTextString(), QStringLiteral("Dim t As Long ' x"));
+    QCOMPARE(colourOf(control.RichTextBox1(), QStringLiteral("' x")), kComment);
+    QTest::keyClick(editor, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(control.GetRTFString(), typed);
 }
 
 void TestSyntax::commandLine()

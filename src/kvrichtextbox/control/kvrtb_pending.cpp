@@ -17,19 +17,13 @@ void setIf(T *out, const T &value)
 
 } // namespace
 
-// Spelling: still to come.
-bool KvRTB::DetectMisspellings(QStringList &) { reportNotAvailable("DetectMisspellings"); return false; }
-bool KvRTB::DetectNotWords(int) { reportNotAvailable("DetectNotWords"); return false; }
+// Spelling suggestions, corrections and the spelling dialog: still to come.
 void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
 {
     reportNotAvailable("GetPossibleSpellingCorrections");
     SCData.Suggestions.clear();
     SCData.SuggestionsFound = false;
 }
-int KvRTB::SpellCheck(QStringList &) { reportNotAvailable("SpellCheck"); return -1; }
-void KvRTB::PrepNonSpellCheckRTB(const QStringList &) { reportNotAvailable("PrepNonSpellCheckRTB"); }
-int KvRTB::GoToNextSpellError() { reportNotAvailable("GoToNextSpellError"); return -1; }
-int KvRTB::GoToPreviousSpellError() { reportNotAvailable("GoToPreviousSpellError"); return -1; }
 int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
 void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
 int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
@@ -48,12 +42,6 @@ int KvRTB::CommonDialogPrint(short *) { reportNotAvailable("CommonDialogPrint");
 void KvRTB::SelPrint(const QVariant &) { reportNotAvailable("SelPrint"); }
 bool KvRTB::PrinterInstalled() { reportNotAvailable("PrinterInstalled"); return false; }
 void KvRTB::ShowPrintPreview() { reportNotAvailable("ShowPrintPreview"); }
-
-// Find and replace: still to come.
-int KvRTB::Find2(const QString &, FindDirectionQ, FindOptionsQ, bool) { reportNotAvailable("Find2"); return -1; }
-bool KvRTB::FindVerify(const QString &, FindOptionsQ) { reportNotAvailable("FindVerify"); return false; }
-void KvRTB::ShowFindReplace() { reportNotAvailable("ShowFindReplace"); }
-void KvRTB::ExitFindRep() { reportNotAvailable("ExitFindRep"); }
 
 // Font and colour selection: still to come. The colour dialogs answer "cancelled" with the
 // colour they were given.
@@ -84,9 +72,6 @@ uint KvRTB::CommonDialogSelColor(const QVariant &CurrentColor, short *)
     reportNotAvailable("CommonDialogSelColor");
     return CurrentColor.toUInt();
 }
-
-// Word count: still to come.
-void KvRTB::ShowWordCount() { reportNotAvailable("ShowWordCount"); }
 
 // Help and sound: still to come.
 void KvRTB::PointToWhatsThisHelpFile() { reportNotAvailable("PointToWhatsThisHelpFile"); }

@@ -5,6 +5,7 @@
 #include "core/editorsurface.h"
 #include "core/platformservices.h"
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -13,8 +14,11 @@ namespace kvrtb {
 
 class Documents;
 class EditCommands;
+class EditorInput;
+class FindReplace;
 class Hyperlinks;
 class LinesAndCase;
+class Misspellings;
 class SpecialUndo;
 class Syntax;
 
@@ -61,6 +65,22 @@ public:
     Documents &documents() { return *m_documents; }
     /// Keyword colouring of VB6, VB.NET and the host's own patterns.
     Syntax &syntax() { return *m_syntax; }
+    /// The control's key and mouse handling, typing follow-up and pop-up menu: the listener of
+    /// the visible surface once the widget connects it.
+    EditorInput &editorInput() { return *m_editorInput; }
+
+    /// Brings the ruler in line with the caret's paragraph. Does nothing until a ruler is
+    /// connected with `setRulerRefresher` (a control without a ruler).
+    void refreshRuler()
+    {
+        if (m_rulerRefresher)
+            m_rulerRefresher();
+    }
+    void setRulerRefresher(std::function<void()> refresher) { m_rulerRefresher = std::move(refresher); }
+    /// Misspelling detection and moving between misspelt words.
+    Misspellings &misspellings() { return *m_misspellings; }
+    /// Find and replace, and the "Find / Replace" dialog.
+    FindReplace &findReplace() { return *m_findReplace; }
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -85,6 +105,10 @@ private:
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
     std::unique_ptr<Syntax> m_syntax;
+    std::unique_ptr<EditorInput> m_editorInput;
+    std::function<void()> m_rulerRefresher;
+    std::unique_ptr<Misspellings> m_misspellings;
+    std::unique_ptr<FindReplace> m_findReplace;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -53,6 +53,7 @@ public:
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
     void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
+    void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
 
     ParaFormat selectionParaFormat() const override;

@@ -17,13 +17,6 @@ void setIf(T *out, const T &value)
 
 } // namespace
 
-// Keyword colouring: still to come.
-QVariant KvRTB::ApplyVB6Syntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyVB6Syntax"); return QVariant(); }
-QVariant KvRTB::ApplyVBNetSyntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyVBNetSyntax"); return QVariant(); }
-QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyMySyntax"); return QVariant(); }
-void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
-bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
-
 // Spelling dialog: still to come.
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 

@@ -9,6 +9,7 @@ packages=(
   fonts-liberation2
   clang libclang-rt-14-dev
   libreoffice-writer-nogui
+  hunspell hunspell-en-us
 )
 
 missing=()

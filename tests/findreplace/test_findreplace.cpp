@@ -1,5 +1,6 @@
 // Tests of finding and replacing on a control's document, without the dialog.
 
+#include "clirun.h"
 #include "core/threadstate.h"
 #include "corefixture.h"
 #include "editing/specialundo.h"
@@ -7,6 +8,8 @@
 #include "findreplace/textsearch.h"
 #include "testregistry.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace kvrtb;
@@ -265,6 +268,52 @@ private slots:
         QCOMPARE(whole.indexIn(text, 12, 19), -1);
         QCOMPARE(whole.lastIndexIn(text, 25), 22);
         QCOMPARE(TextSearch(QStringLiteral("aa"), AllMatches).allIn(QStringLiteral("aaaa")), (QList<qsizetype>{0, 2}));
+    }
+    void replaceCommand()
+    {
+#ifndef KVRTB_CLI
+        QFAIL("The command-line tool is not part of this build.");
+#else
+        using kvrtb::test::runCli;
+        const QString cli = QStringLiteral(KVRTB_CLI);
+        QTemporaryDir dir;
+        QVERIFY(dir.isValid());
+        const QString input = dir.filePath(QStringLiteral("in.txt"));
+        QFile file(input);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("cat Cat cats a.b* a.b*");
+        file.close();
+        auto read = [](const QString &path) {
+            QFile f(path);
+            return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QStringLiteral("(unreadable)");
+        };
+        const QString output = dir.filePath(QStringLiteral("out.txt"));
+        kvrtb::test::CliRun r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("cat"),
+                                             QStringLiteral("dog"), output, QStringLiteral("--whole-word")});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.out, QStringLiteral("2\n"));
+        QCOMPARE(read(output), QStringLiteral("dog dog cats a.b* a.b*"));
+        r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("cat"), QStringLiteral("cat cat"), output,
+                         QStringLiteral("--match-case")});
+        QCOMPARE(r.out, QStringLiteral("2\n"));
+        QCOMPARE(read(output), QStringLiteral("cat cat Cat cat cats a.b* a.b*"));
+        r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("a.b*"), QString(), output});
+        QCOMPARE(r.out, QStringLiteral("2\n"));
+        QCOMPARE(read(output), QStringLiteral("cat Cat cats  "));
+        r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("bird"), QStringLiteral("fish"), output});
+        QCOMPARE(r.out, QStringLiteral("0\n"));
+
+        // Bad use: exit status 2 (or 1 for a file that cannot be read) with a reason.
+        r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("cat")});
+        QCOMPARE(r.code, 2);
+        r = runCli(cli, {QStringLiteral("replace"), input, QString(), QStringLiteral("x"), output});
+        QCOMPARE(r.code, 2);
+        QVERIFY(r.err.contains(QLatin1String("empty")));
+        r = runCli(cli, {QStringLiteral("replace"), dir.filePath(QStringLiteral("missing.txt")), QStringLiteral("a"),
+                         QStringLiteral("b"), output});
+        QCOMPARE(r.code, 1);
+        QVERIFY(!r.err.isEmpty());
+#endif
     }
 };
 

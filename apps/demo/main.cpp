@@ -1,149 +1,47 @@
-// kvrtb-demo: a host window with one KvRTB control, a sample document and a File menu.
+// kvrtb-demo: a small word processor over one KvRTB control.
 // With --screenshot FILE it renders the window to a PNG and exits (for machines with no display).
 
-#include "core/editorsurface.h"
+#include "demowindow.h"
+
 #include "control/kvrtb.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFile>
-#include <QFileInfo>
-#include <QMainWindow>
-#include <QMenuBar>
 #include <QTimer>
 
 #include <cstdio>
 
-namespace {
-
-const char *const kSample =
-    "KvRichTextBox\n"
-    "An embeddable rich-text editing control: RTF and plain-text documents, a built-in US-English "
-    "dictionary, automatic web and e-mail links, keyword colouring, find and replace and its own "
-    "undo.\n"
-    "Type here, select text, and use File > Open and File > Save As for RTF and text files. "
-    "Edit > Mark Links turns addresses such as www.example.com or someone@example.com into links.\n";
-
-/// The demo's window: the control fills it; the File menu opens and saves documents.
-class DemoWindow : public QMainWindow {
-public:
-    DemoWindow()
-    {
-        setWindowTitle(QStringLiteral("KvRichTextBox demo"));
-        m_editor = new kvrtb::KvRTB(this);
-        m_editor->setObjectName(QStringLiteral("KvRTB1"));
-        m_editor->initProperties();
-        m_editor->setDisplayRuler(false); // no ruler in this build yet
-        m_editor->setAllowRTFSave(true);  // offer RTF beside text in the save dialog
-        setCentralWidget(m_editor);
-
-        QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
-        file->addAction(QStringLiteral("&Open..."), QKeySequence::Open, this, [this] { open(); });
-        file->addAction(QStringLiteral("&Save As..."), QKeySequence::Save, this, [this] { save(); });
-        file->addSeparator();
-        file->addAction(QStringLiteral("E&xit"), QKeySequence::Quit, this, [this] { close(); });
-
-        QMenu *edit = menuBar()->addMenu(QStringLiteral("&Edit"));
-        edit->addAction(QStringLiteral("&Undo Last Pass"), this, [this] { m_editor->HyperUndo(); });
-        edit->addAction(QStringLiteral("Select &All"), this, [this] { m_editor->SelectAllText(); });
-        edit->addSeparator();
-        edit->addAction(QStringLiteral("Mark &Links"), this, [this] { m_editor->HyperLinkDocument(); });
-        edit->addAction(QStringLiteral("&Highlight"), this, [this] { m_editor->HighLightText(0xFFFF); });
-        edit->addAction(QStringLiteral("&Center"), this, [this] {
-            bool apply = true;
-            m_editor->AlignCenter(apply);
-        });
-        edit->addAction(QStringLiteral("&Numbered List"), this, [this] { m_editor->ListStyle(kvrtb::ListNumberQ); });
-        edit->addAction(QStringLiteral("&Title Case"), this, [this] { m_editor->TovrinTitleCase(); });
-
-        showSample();
-    }
-
-private:
-    void showSample()
-    {
-        m_editor->setText(QString::fromUtf8(kSample));
-        // The title line, through the control's selection properties.
-        m_editor->setSelStart(0);
-        m_editor->setSelLength(13);
-        m_editor->setSelBold(true);
-        m_editor->setSelFontSize(16);
-        m_editor->setSelColor(0x800000u); // dark blue
-        kvrtb::ParaFormat centred;
-        centred.alignment = kvrtb::ParaAlignment::Center;
-        m_editor->RichTextBox1().setSelectionParaFormat(centred);
-        m_editor->HyperLinkDocument();
-        m_editor->setSelStart(0);
-        m_editor->SetRTBChanged(false);
-    }
-
-    // The control's own file dialogs and document handling: the open dialog loads the chosen
-    // file (RTF, text with links, or a control document), the save dialog writes it and asks
-    // before formatting would be lost.
-    void open()
-    {
-        bool opened = false;
-        bool links = true;
-        const QString path = m_editor->CommonDialogFileOpen(nullptr, nullptr, &links, nullptr, nullptr, nullptr, &opened);
-        if (opened)
-            setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
-    }
-
-public:
-    /// Loads a file by its name: RTF when it starts as RTF, text (with links) otherwise.
-    void openFile(const QString &path)
-    {
-        QFile file(path);
-        const bool rtf = file.open(QIODevice::ReadOnly) && file.read(5) == "{\\rtf";
-        file.close();
-        bool links = true;
-        bool opened = false;
-        m_editor->LoadFile(path, rtf ? kvrtb::rtfRTF : kvrtb::rtfText, &links, &opened);
-        if (opened)
-            setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
-    }
-
-private:
-    void save()
-    {
-        bool saved = false;
-        const QString path = m_editor->CommonDialogFileSave(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                                            nullptr, nullptr, &saved);
-        if (saved)
-            setWindowTitle(QStringLiteral("%1 - KvRichTextBox demo").arg(QFileInfo(path).fileName()));
-    }
-
-    kvrtb::KvRTB *m_editor = nullptr;
-};
-
-} // namespace
-
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("KvRichTextBox"));
     QApplication::setApplicationName(QStringLiteral("kvrtb-demo"));
     QCommandLineParser parser;
     parser.addHelpOption();
     QCommandLineOption screenshot(QStringLiteral("screenshot"), QStringLiteral("Render the window to a PNG file and exit."),
                                   QStringLiteral("file"));
     parser.addOption(screenshot);
-    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("An RTF or text file to open instead of the sample."),
+    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("An RTF, text or control document to open instead of the sample."),
                                  QStringLiteral("[file]"));
     parser.process(app);
 
     DemoWindow window;
-    window.resize(720, 420);
-    if (!parser.positionalArguments().isEmpty())
-        window.openFile(parser.positionalArguments().first());
+    window.resize(820, 520);
+    if (parser.positionalArguments().isEmpty())
+        window.showSample();
+    else if (!window.openFile(parser.positionalArguments().first()))
+        window.showSample();
     window.show();
 
     if (parser.isSet(screenshot)) {
         const QString file = parser.value(screenshot);
-        QTimer::singleShot(200, &window, [&window, file] {
+        QTimer::singleShot(300, &window, [&window, file] {
             const bool saved = window.grab().save(file);
             std::fprintf(saved ? stdout : stderr, saved ? "Saved a picture of the window to %s\n"
                                                         : "Could not save a picture to %s\n",
                          qPrintable(file));
+            // The sample is not the user's work: leave without asking to save it.
+            window.editor()->SetRTBChanged(false);
             QApplication::exit(saved ? 0 : 1);
         });
     }

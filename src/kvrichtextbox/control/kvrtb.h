@@ -477,7 +477,14 @@ public slots:
     uint CommonDialogSelColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
 
     // --- Word count, help and sound ---------------------------------------------------------
+    /// Opens the "Word Count" dialog on this control and returns when the user closes it.
     void ShowWordCount();
+    /// The counts the word-count dialog shows beside the token list, by name: "Words",
+    /// "Characters", "CharactersNoSpaces", "Sentences", "Paragraphs", "Lines" and
+    /// "ReadingSeconds" (at 230 words a minute) for the whole document, and the same keys
+    /// prefixed "Selection" ("SelectionWords", ...) for the selected text alone, all 0 when
+    /// nothing is selected. Words are words and numbers, each web or e-mail address one word.
+    QVariantMap GetWordCountStatistics();
     void PointToWhatsThisHelpFile();
     QString GetHelpFile(bool NoColonFilePath = false);
 
@@ -530,7 +537,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    class EditorEvents;
+    class InputCommands;
 
     void initialise(PlatformServices &services);
     /// Sizes the ruler strip, the editor's frame and the progress bar to the control.
@@ -570,7 +577,7 @@ private:
     QWidget *m_picture1 = nullptr;      // auxiliary drawing surface
     QProgressBar *m_progressBar = nullptr;
     std::unique_ptr<ControlCore> m_core;
-    std::unique_ptr<EditorEvents> m_editorEvents;
+    std::unique_ptr<InputCommands> m_inputCommands;
     mutable EditorSettings m_editorSettings;
     // Scratch space of word and pattern passes (hidden list and text boxes of the interface).
     QStringList m_list1;

@@ -80,9 +80,6 @@ uint KvRTB::CommonDialogSelColor(const QVariant &CurrentColor, short *)
     return CurrentColor.toUInt();
 }
 
-// Word count: still to come.
-void KvRTB::ShowWordCount() { reportNotAvailable("ShowWordCount"); }
-
 // Help and sound: still to come.
 void KvRTB::PointToWhatsThisHelpFile() { reportNotAvailable("PointToWhatsThisHelpFile"); }
 QString KvRTB::GetHelpFile(bool) { reportNotAvailable("GetHelpFile"); return QString(); }

@@ -5,6 +5,7 @@
 #include "core/editorsurface.h"
 #include "core/platformservices.h"
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -13,6 +14,7 @@ namespace kvrtb {
 
 class Documents;
 class EditCommands;
+class EditorInput;
 class FindReplace;
 class Hyperlinks;
 class LinesAndCase;
@@ -60,6 +62,18 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// The control's key and mouse handling, typing follow-up and pop-up menu: the listener of
+    /// the visible surface once the widget connects it.
+    EditorInput &editorInput() { return *m_editorInput; }
+
+    /// Brings the ruler in line with the caret's paragraph. Does nothing until a ruler is
+    /// connected with `setRulerRefresher` (a control without a ruler).
+    void refreshRuler()
+    {
+        if (m_rulerRefresher)
+            m_rulerRefresher();
+    }
+    void setRulerRefresher(std::function<void()> refresher) { m_rulerRefresher = std::move(refresher); }
     /// Misspelling detection and moving between misspelt words.
     Misspellings &misspellings() { return *m_misspellings; }
     /// Find and replace, and the "Find / Replace" dialog.
@@ -87,6 +101,8 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<EditorInput> m_editorInput;
+    std::function<void()> m_rulerRefresher;
     std::unique_ptr<Misspellings> m_misspellings;
     std::unique_ptr<FindReplace> m_findReplace;
     int m_progress = 0;

@@ -22,15 +22,15 @@ int runReplace(const QStringList &args)
     }
     if (positional.size() != 4) {
         cli::printErr(QStringLiteral("Usage: kvrtb replace FILE FIND REPLACEMENT OUTPUT [--whole-word] [--match-case]\n"));
-        return 2;
+        return cli::ExitUsage;
     }
     if (positional.at(1).isEmpty()) {
         cli::printErr(QStringLiteral("kvrtb replace: the text to find is empty\n"));
-        return 2;
+        return cli::ExitUsage;
     }
     cli::HeadlessControl control;
     if (!control.load(positional.at(0)))
-        return 1;
+        return cli::ExitBadInput;
     const int count =
         control.core.findReplace().ReplaceAll(positional.at(1), positional.at(2), FindOptionsQ(options));
     const QString &output = positional.at(3);
@@ -39,10 +39,10 @@ int runReplace(const QStringList &args)
     QString error;
     if (!control.core.surface().saveFile(output, type, &error)) {
         cli::printErr(QStringLiteral("kvrtb: %1\n").arg(error));
-        return 1;
+        return cli::ExitBadOutput;
     }
     cli::printOut(QString::number(count) + QLatin1Char('\n'));
-    return 0;
+    return cli::ExitOk;
 }
 
 const kvrtb::cli::Registration registration{

@@ -14,18 +14,18 @@ int runSpell(const QStringList &args)
     using namespace kvrtb;
     if (args.size() != 1) {
         cli::printErr(QStringLiteral("Usage: kvrtb spell FILE\n"));
-        return 2;
+        return cli::ExitUsage;
     }
     cli::HeadlessControl control;
     if (args.first() == QLatin1String("-")) {
         QFile input;
         if (!input.open(stdin, QIODevice::ReadOnly)) {
             cli::printErr(QStringLiteral("kvrtb spell: cannot read standard input\n"));
-            return 1;
+            return cli::ExitBadInput;
         }
         control.core.surface().setText(QString::fromUtf8(input.readAll()));
     } else if (!control.load(args.first())) {
-        return 1;
+        return cli::ExitBadInput;
     }
     QStringList words;
     control.core.misspellings().DetectMisspellings(words);
@@ -33,7 +33,7 @@ int runSpell(const QStringList &args)
     for (const QString &word : std::as_const(words))
         out += word + QLatin1Char('\n');
     cli::printOut(out);
-    return 0;
+    return cli::ExitOk;
 }
 
 const kvrtb::cli::Registration registration{

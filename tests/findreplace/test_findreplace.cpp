@@ -133,6 +133,9 @@ private slots:
         QCOMPARE(f.core.findReplace().Find2(QStringLiteral("ZEBRA"), FindNext, WholeWord), int(line.size()) - 5);
         QCOMPARE(f.core.findReplace().Find2(QStringLiteral("lorem"), FindPrevious, WholeWord_MatchCase),
                  int(line.size()) - 23);
+        QCOMPARE(f.core.findReplace().ReplaceAll(QStringLiteral("zebra"), QStringLiteral("okapi"), WholeWord), 1);
+        QCOMPARE(f.surface().textLength(), int(line.size()));
+        QCOMPARE(f.surface().textRange(int(line.size()) - 6, 6), QStringLiteral(" okapi"));
     }
 
     void findVerify()
@@ -192,6 +195,39 @@ private slots:
         QCOMPARE(f.surface().rangeCharFormat(13, 4).color, std::optional<Colour>(0x0000FF));
         QVERIFY(f.surface().rangeCharFormat(0, 2).color != std::optional<Colour>(0x0000FF));
         QVERIFY(f.surface().rangeCharFormat(6, 5).color != std::optional<Colour>(0x0000FF));
+    }
+
+    void replaceAllKeepsFormats()
+    {
+        CoreFixture f;
+        FindReplace &find = f.core.findReplace();
+        // A paragraph in one format, and one whose hits are in different formats.
+        f.surface().setText(QStringLiteral("cat and cat\ncat is cat"));
+        CharFormat bold;
+        bold.bold = true;
+        CharFormat italic;
+        italic.italic = true;
+        f.surface().setRangeCharFormat(12, 7, bold);   // "cat is "
+        f.surface().setRangeCharFormat(19, 3, italic); // "cat"
+        QCOMPARE(find.ReplaceAll(QStringLiteral("cat"), QStringLiteral("lion"), AllMatches, Colour(0x00FF00)), 4);
+        const QString text = QStringLiteral("lion and lion\nlion is lion");
+        QCOMPARE(f.surface().text(), text);
+        auto formatAt = [&](int start, int length) { return f.surface().rangeCharFormat(start, length); };
+        QCOMPARE(formatAt(0, 13).bold, std::optional<bool>(false));
+        QCOMPARE(formatAt(14, 8).bold, std::optional<bool>(true));
+        QCOMPARE(formatAt(14, 8).italic, std::optional<bool>(false));
+        QCOMPARE(formatAt(22, 4).italic, std::optional<bool>(true));
+        QCOMPARE(formatAt(22, 4).bold, std::optional<bool>(false));
+        for (int start : {0, 9, 14, 22})
+            QCOMPARE(formatAt(start, 4).color, std::optional<Colour>(0x00FF00));
+        for (int start : {4, 8, 18, 21})
+            QVERIFY(formatAt(start, 1).color != std::optional<Colour>(0x00FF00));
+
+        // Paragraph breaks in the replacement become paragraphs.
+        f.surface().setText(QStringLiteral("one, two, three"));
+        QCOMPARE(find.ReplaceAll(QStringLiteral(", "), QStringLiteral("\r\n"), AllMatches), 2);
+        QCOMPARE(f.surface().text(), QStringLiteral("one\ntwo\nthree"));
+        QCOMPARE(f.surface().lineCount(), 3);
     }
 
     void replaceAllStopsOnRequest()
@@ -303,7 +339,8 @@ private slots:
         r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("bird"), QStringLiteral("fish"), output});
         QCOMPARE(r.out, QStringLiteral("0\n"));
 
-        // Bad use: exit status 2 (or 1 for a file that cannot be read) with a reason.
+        // Bad use: exit status 2, 3 for a file that cannot be read, 4 for one that cannot be
+        // written, each with a reason.
         r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("cat")});
         QCOMPARE(r.code, 2);
         r = runCli(cli, {QStringLiteral("replace"), input, QString(), QStringLiteral("x"), output});
@@ -311,7 +348,11 @@ private slots:
         QVERIFY(r.err.contains(QLatin1String("empty")));
         r = runCli(cli, {QStringLiteral("replace"), dir.filePath(QStringLiteral("missing.txt")), QStringLiteral("a"),
                          QStringLiteral("b"), output});
-        QCOMPARE(r.code, 1);
+        QCOMPARE(r.code, 3);
+        QVERIFY(!r.err.isEmpty());
+        r = runCli(cli, {QStringLiteral("replace"), input, QStringLiteral("cat"), QStringLiteral("dog"),
+                         dir.filePath(QStringLiteral("no/such/folder/out.txt"))});
+        QCOMPARE(r.code, 4);
         QVERIFY(!r.err.isEmpty());
 #endif
     }

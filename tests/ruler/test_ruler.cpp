@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMouseEvent>
 #include <QTest>
 #include <QTextEdit>
 
@@ -72,6 +73,14 @@ class TestRuler : public QObject {
         QTest::mouseMove(strip(), (from + to) / 2);
         QTest::mouseMove(strip(), to);
         QTest::mouseRelease(strip(), Qt::LeftButton, {}, to);
+    }
+
+    // The mouse passes over the strip with no button held (QTest moves the real cursor for that,
+    // which an offscreen platform does not follow).
+    void hover(QPoint pos)
+    {
+        QMouseEvent move(QEvent::MouseMove, pos, strip()->mapToGlobal(pos), Qt::NoButton, Qt::NoButton, {});
+        QApplication::sendEvent(strip(), &move);
     }
 
     QPoint centreOf(const char *handle) { return part(handle)->geometry().center(); }
@@ -211,6 +220,14 @@ private slots:
         QCOMPARE(tabsOfParagraph(2), (QList<int>{3 * kInch, 4 * kInch}));
         surface().setSelection(12, 14);
         control().core().refreshRuler();
+
+        // The pointer shows what can be dragged.
+        hover(QPoint(strip()->xForTwips(3 * kInch), y));
+        QCOMPARE(strip()->cursor().shape(), Qt::SizeHorCursor);
+        hover(QPoint(strip()->xForTwips(2 * kInch), y));
+        QCOMPARE(strip()->cursor().shape(), Qt::ArrowCursor);
+        hover(centreOf("RIHandle"));
+        QCOMPARE(strip()->cursor().shape(), Qt::SizeHorCursor);
 
         // Dragged off the strip, it goes.
         drag(QPoint(strip()->xForTwips(3 * kInch), y), QPoint(strip()->xForTwips(3 * kInch), strip()->height() + 40));

@@ -64,9 +64,7 @@ QString withExtensionOf(const QString &path, const QString &filter)
 // Commands of the control's areas that this build does not have yet: their menu items are hidden
 // rather than shown broken. Kept in step with the library as areas land.
 const QStringList kNotInThisBuild{
-    QStringLiteral("ShowFindReplace"),
-    QStringLiteral("ShowFontSelect"), QStringLiteral("CommonDialogSelFontColor"), QStringLiteral("ShowSpellCheck"),
-    QStringLiteral("ShowRandomWord"), QStringLiteral("ApplyVB6Syntax"), QStringLiteral("ApplyVBNetSyntax"),
+    QStringLiteral("ShowSpellCheck"), QStringLiteral("ApplyVB6Syntax"), QStringLiteral("ApplyVBNetSyntax"),
     QStringLiteral("ApplyMySyntax"), QStringLiteral("Cancel_Syntax")};
 
 } // namespace
@@ -91,6 +89,7 @@ DemoWindow::DemoWindow()
     buildViewMenu();
     buildToolBar();
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->addAction(QStringLiteral("Editor &Help"), this, [this] { m_editor->ShowHelp(); });
     help->addAction(QStringLiteral("&About"), this, [this] {
         QMessageBox::about(this, QStringLiteral("About the demo"),
                            QStringLiteral("A small word processor built on the KvRTB control."));

@@ -5,7 +5,12 @@
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
+#include "editorinput/editorinput.h"
+#include "findreplace/findreplace.h"
+#include "fonts/fontselection.h"
+#include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
+#include "spelling/misspellings.h"
 #include "printing/printing.h"
 #include "ruler/ruler.h"
 #include "surface/surfacefactory.h"
@@ -28,9 +33,17 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_editorInput = std::make_unique<EditorInput>(*this);
+    // A load forgets the control's mark of an undo snapshot, and the ruler follows the caret
+    // after it through the one ruler hook.
+    m_documents->setLinkUndoPendingClearer([this] { m_specialUndo->clearLinkUndoPending(); });
+    m_documents->setRulerRefresher([this] { refreshRuler(); });
+    m_misspellings = std::make_unique<Misspellings>(*this);
+    m_findReplace = std::make_unique<FindReplace>(*this);
+    m_fontSelection = std::make_unique<FontSelection>(*this);
+    m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
     m_ruler = std::make_unique<Ruler>(*this);
     m_printing = std::make_unique<Printing>(*this);
-    m_documents->setRulerRefresher([this] { refreshRuler(); });
 }
 
 ControlCore::~ControlCore() = default;
@@ -48,7 +61,8 @@ void ControlCore::lockWindowUpdate(bool lock)
 
 void ControlCore::refreshRuler()
 {
-    m_ruler->refresh();
+    if (m_ruler) // not while the core is being built
+        m_ruler->refresh();
 }
 
 void ControlCore::setProgress(int percent)

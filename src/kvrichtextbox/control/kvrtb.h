@@ -465,6 +465,8 @@ public slots:
     QString GetSynonyms(const QString &MYWORD1, QStringList &ASynArray);
     bool CanGetSynonym();
     QString GetRandomWord();
+    /// Opens the "Random Word" dialog: a random dictionary word, its synonyms, "Another Word"
+    /// and "Copy Selected Synonym"; returns when the user closes it.
     void ShowRandomWord();
 
     // --- Ruler ------------------------------------------------------------------------------
@@ -503,16 +505,37 @@ public slots:
     void ExitFindRep();
 
     // --- Font and colour selection ----------------------------------------------------------
+    // Every dialog is modal and changes nothing when cancelled; `MyErr` comes back 0, or 32755
+    // when the user cancelled.
+    /// The desktop's font dialog for the selection; what the user changed there is applied.
     void CommonDialogFontSelect(short *MyErr = nullptr);
+    /// The font dialog for the selection: the control's own (`FontFrm`: family, style, size,
+    /// strike-through, underline, colour, sample) while `UseCustomFontDialog` is on, else the
+    /// desktop's.
     void ShowFontSelect();
+    /// Asks for a default font and, unless cancelled, turns default-font mode on: text typed
+    /// where nothing is selected takes that font until `EndDefaultFontMode`.
     void SetDefaultFontMode();
     void EndDefaultFontMode();
+    /// The default font (the one chosen or shared last, else the editor's font).
     kvrtb::DEFUALT_FONT_DATA GetDefaultFontData();
+    /// Takes another control's default font (from its `GetDefaultFontData`) and turns
+    /// default-font mode on with it. A record without a font name is ignored.
     void ShareDefaultFontData(const kvrtb::DEFUALT_FONT_DATA &MyDefFontData);
+    /// The colour dialog starting at \a MyOrgigColor: the colour chosen, or when cancelled
+    /// (\a UserCancelQ true) \a MyOrgigColor if \a UseOrigONCancel, else 0.
     uint CommonDialogColor(bool &UserCancelQ, bool UseOrigONCancel = false, uint MyOrgigColor = 0,
                            short *MyErr = nullptr);
+    /// Chooses `MyFontColor`, starting at \a MyOrgigColor (else `MyFontColor`); returns the
+    /// colour chosen, or the starting colour when cancelled.
     uint CommonDialogFontColor(const QVariant &MyOrgigColor = QVariant(), short *MyErr = nullptr);
+    /// Colours the selected text ("Font Color"), starting at \a CurrentColor (else the
+    /// selection's colour); the choice also becomes `MyFontColor`. Returns the colour chosen,
+    /// or the starting colour when cancelled.
     uint CommonDialogSelFontColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
+    /// Highlights the selection ("Highlight Color"), starting at \a CurrentColor (else
+    /// `MyHLColor`); the choice also becomes `MyHLColor`. Returns the colour chosen, or the
+    /// starting colour when cancelled.
     uint CommonDialogSelColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
 
     // --- Word count, help and sound ---------------------------------------------------------
@@ -524,8 +547,17 @@ public slots:
     /// prefixed "Selection" ("SelectionWords", ...) for the selected text alone, all 0 when
     /// nothing is selected. Words are words and numbers, each web or e-mail address one word.
     QVariantMap GetWordCountStatistics();
+    /// Points `WhatsThisHelpFile` at the control's own help document. The editor answers What's
+    /// This (Shift+F1) with a short description linking to `WhatsThisHelpFile`, or to the
+    /// control's own document while it is empty.
     void PointToWhatsThisHelpFile();
+    /// The control's help document for end users ("KvRTBHelp.html"): the installed copy, else a
+    /// copy written from the library into the user's cache folder. With \a NoColonFilePath the
+    /// plain path, else its address ("file:///..."). Empty when no copy could be had.
     QString GetHelpFile(bool NoColonFilePath = false);
+    /// Opens the help file (`WhatsThisHelpFile`, else the control's own) with the desktop's
+    /// viewer.
+    void ShowHelp();
 
     // --- By-name forms of the members with optional out arguments ---------------------------
     // A host calling by name cannot pass a pointer; these overloads take every argument, the
@@ -576,7 +608,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    class EditorEvents;
+    class InputCommands;
 
     void initialise(PlatformServices &services);
     /// Sizes the ruler strip, the editor's frame and the progress bar to the control.
@@ -616,7 +648,7 @@ private:
     QWidget *m_picture1 = nullptr;      // auxiliary drawing surface
     QProgressBar *m_progressBar = nullptr;
     std::unique_ptr<ControlCore> m_core;
-    std::unique_ptr<EditorEvents> m_editorEvents;
+    std::unique_ptr<InputCommands> m_inputCommands;
     mutable EditorSettings m_editorSettings;
     // Scratch space of word and pattern passes (hidden list and text boxes of the interface).
     QStringList m_list1;

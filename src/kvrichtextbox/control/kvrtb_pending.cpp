@@ -24,64 +24,17 @@ QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAv
 void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
 bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
 
-// Spelling: still to come.
-bool KvRTB::DetectMisspellings(QStringList &) { reportNotAvailable("DetectMisspellings"); return false; }
-bool KvRTB::DetectNotWords(int) { reportNotAvailable("DetectNotWords"); return false; }
+// Spelling suggestions, corrections and the spelling dialog: still to come.
 void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
 {
     reportNotAvailable("GetPossibleSpellingCorrections");
     SCData.Suggestions.clear();
     SCData.SuggestionsFound = false;
 }
-int KvRTB::SpellCheck(QStringList &) { reportNotAvailable("SpellCheck"); return -1; }
-void KvRTB::PrepNonSpellCheckRTB(const QStringList &) { reportNotAvailable("PrepNonSpellCheckRTB"); }
-int KvRTB::GoToNextSpellError() { reportNotAvailable("GoToNextSpellError"); return -1; }
-int KvRTB::GoToPreviousSpellError() { reportNotAvailable("GoToPreviousSpellError"); return -1; }
 int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
 void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
 int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
-void KvRTB::ShowRandomWord() { reportNotAvailable("ShowRandomWord"); }
-
-// Find and replace: still to come.
-int KvRTB::Find2(const QString &, FindDirectionQ, FindOptionsQ, bool) { reportNotAvailable("Find2"); return -1; }
-bool KvRTB::FindVerify(const QString &, FindOptionsQ) { reportNotAvailable("FindVerify"); return false; }
-void KvRTB::ShowFindReplace() { reportNotAvailable("ShowFindReplace"); }
-void KvRTB::ExitFindRep() { reportNotAvailable("ExitFindRep"); }
-
-// Font and colour selection: still to come. The colour dialogs answer "cancelled" with the
-// colour they were given.
-void KvRTB::CommonDialogFontSelect(short *) { reportNotAvailable("CommonDialogFontSelect"); }
-void KvRTB::ShowFontSelect() { reportNotAvailable("ShowFontSelect"); }
-void KvRTB::SetDefaultFontMode() { reportNotAvailable("SetDefaultFontMode"); }
-void KvRTB::EndDefaultFontMode() { reportNotAvailable("EndDefaultFontMode"); }
-DEFUALT_FONT_DATA KvRTB::GetDefaultFontData() { reportNotAvailable("GetDefaultFontData"); return DEFUALT_FONT_DATA(); }
-void KvRTB::ShareDefaultFontData(const DEFUALT_FONT_DATA &) { reportNotAvailable("ShareDefaultFontData"); }
-uint KvRTB::CommonDialogColor(bool &UserCancelQ, bool, uint MyOrgigColor, short *)
-{
-    reportNotAvailable("CommonDialogColor");
-    UserCancelQ = true;
-    return MyOrgigColor;
-}
-uint KvRTB::CommonDialogFontColor(const QVariant &MyOrgigColor, short *)
-{
-    reportNotAvailable("CommonDialogFontColor");
-    return MyOrgigColor.toUInt();
-}
-uint KvRTB::CommonDialogSelFontColor(const QVariant &CurrentColor, short *)
-{
-    reportNotAvailable("CommonDialogSelFontColor");
-    return CurrentColor.toUInt();
-}
-uint KvRTB::CommonDialogSelColor(const QVariant &CurrentColor, short *)
-{
-    reportNotAvailable("CommonDialogSelColor");
-    return CurrentColor.toUInt();
-}
-
-// Help and sound: still to come.
-void KvRTB::PointToWhatsThisHelpFile() { reportNotAvailable("PointToWhatsThisHelpFile"); }
-QString KvRTB::GetHelpFile(bool) { reportNotAvailable("GetHelpFile"); return QString(); }
 
 } // namespace kvrtb

@@ -5,6 +5,7 @@
 #include "core/editorsurface.h"
 #include "core/platformservices.h"
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -13,11 +14,16 @@ namespace kvrtb {
 
 class Documents;
 class EditCommands;
+class EditorInput;
+class FindReplace;
+class FontSelection;
 class Hyperlinks;
 class LinesAndCase;
+class Misspellings;
 class Printing;
 class Ruler;
 class SpecialUndo;
+class WhatsThisHelp;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -60,6 +66,19 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// The control's key and mouse handling, typing follow-up and pop-up menu: the listener of
+    /// the visible surface once the widget connects it.
+    EditorInput &editorInput() { return *m_editorInput; }
+
+    /// Misspelling detection and moving between misspelt words.
+    Misspellings &misspellings() { return *m_misspellings; }
+    /// Find and replace, and the "Find / Replace" dialog.
+    FindReplace &findReplace() { return *m_findReplace; }
+
+    /// The font and colour dialogs and default-font mode.
+    FontSelection &fontSelection() { return *m_fontSelection; }
+    /// What's This help on the editor and the help document.
+    WhatsThisHelp &whatsThisHelp() { return *m_whatsThisHelp; }
     /// The ruler: the indents and tab stops of the caret's paragraph, and changing them.
     Ruler &ruler() { return *m_ruler; }
     /// Printing, print preview and the page headings.
@@ -92,6 +111,11 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<EditorInput> m_editorInput;
+    std::unique_ptr<Misspellings> m_misspellings;
+    std::unique_ptr<FindReplace> m_findReplace;
+    std::unique_ptr<FontSelection> m_fontSelection;
+    std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
     std::unique_ptr<Ruler> m_ruler;
     std::unique_ptr<Printing> m_printing;
     int m_progress = 0;

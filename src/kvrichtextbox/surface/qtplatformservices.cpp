@@ -14,6 +14,12 @@
 #include <QPrinter>
 #include <QUrl>
 
+#ifdef KVRTB_HAVE_MULTIMEDIA
+#include <QAudioDevice>
+#include <QMediaDevices>
+#include <QSoundEffect>
+#endif
+
 namespace kvrtb {
 
 QtPlatformServices::QtPlatformServices(QWidget *dialogParent) : m_parent(dialogParent)
@@ -191,9 +197,18 @@ bool QtPlatformServices::openAddress(const QString &address, QString *error)
 
 void QtPlatformServices::playClickSound()
 {
-    // The desktop's own alert sound: Qt Widgets has no sample player, and pulling in a
-    // multimedia stack for one click is not worth its weight for a host.
-    QApplication::beep();
+#ifdef KVRTB_HAVE_MULTIMEDIA
+    // The control's own short click from its resources. A system without an audio output
+    // stays silent: the sound is a courtesy, never an error.
+    if (QMediaDevices::defaultAudioOutput().isNull())
+        return;
+    if (!m_clickSound) {
+        m_clickSound = new QSoundEffect(this);
+        m_clickSound->setSource(QUrl(QStringLiteral("qrc:/kvrtb/sounds/click.wav")));
+        m_clickSound->setVolume(0.6f);
+    }
+    m_clickSound->play();
+#endif
 }
 
 void QtPlatformServices::setBusy(bool busy)

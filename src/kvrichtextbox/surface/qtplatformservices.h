@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 
+class QSoundEffect;
 class QWidget;
 
 namespace kvrtb {
@@ -48,6 +49,7 @@ private:
     int m_busyDepth = 0;
     bool m_inputSeen = false; ///< input handled during a yield, not yet asked about
     bool m_yielding = false;
+    QSoundEffect *m_clickSound = nullptr; ///< made on the first click (only with Qt Multimedia)
 };
 
 } // namespace kvrtb

@@ -9,6 +9,7 @@
 #include "ruler/ruler.h"
 #include "ruler/rulerstrip.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QClipboard>
 #include <QMouseEvent>
@@ -301,6 +302,28 @@ private slots:
         control().core().refreshRuler();
         QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(0));
         QVERIFY(control().core().ruler().marks().tabStops.isEmpty());
+
+        // As the user moves the caret: arrow keys and clicks in the editor.
+        auto *area = qobject_cast<QAbstractScrollArea *>(surface().widget());
+        QVERIFY(area);
+        surface().setFocus();
+        QTest::keyClick(area->viewport(), Qt::Key_Down);
+        QCOMPARE(surface().paraFormatAt(surface().selStart()).leftIndent.value_or(0), 2 * kInch);
+        QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(2 * kInch));
+        QTest::keyClick(area->viewport(), Qt::Key_Up);
+        QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(0));
+        int clickY = 0;
+        for (int y = 0; y < area->viewport()->height(); ++y) {
+            if (surface().charFromPoint(QPoint(200, y)) >= 6 && surface().charFromPoint(QPoint(200, y)) <= 14) {
+                clickY = y;
+                break;
+            }
+        }
+        QVERIFY(clickY > 0);
+        QTest::mouseClick(area->viewport(), Qt::LeftButton, {}, QPoint(200, clickY));
+        QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(2 * kInch));
+        surface().setSelStart(1);
+        control().core().refreshRuler();
 
         // Undo brings the handles back with the paragraph.
         drag(centreOf("LIHandle"), centreOf("LIHandle") + QPoint(kPixelsPerInch, 0));

@@ -221,6 +221,9 @@ public:
     /// null when mixed or when there is no such stop.
     Q_INVOKABLE QVariant SelTabs(int e_ellmt) const;
 
+    /// The editor's native window id (`RichTextBox1`), 0 while it has none. Reading it leaves
+    /// the editor as it is: a host that needs a native window calls `winId()` on
+    /// `RichTextBox1().widget()` itself, and `hwnd` gives that id from then on.
     qulonglong hwnd() const;
 
     // --- Printing settings (run time, not persisted) ------------------------------------------
@@ -452,6 +455,8 @@ public slots:
     bool DetectMisspellings(QStringList &MyReturnArray);
     bool DetectNotWords(int MyHitSpot);
     void GetPossibleSpellingCorrections(kvrtb::SPELL_CHECK_TYPE &SCData);
+    /// The same suggestions as `GetPossibleSpellingCorrections`, the likeliest correction first.
+    void GetRankedSpellingCorrections(kvrtb::SPELL_CHECK_TYPE &SCData);
     int SpellCheck(QStringList &ReturnArray);
     void PrepNonSpellCheckRTB(const QStringList &PassInArray);
     int GoToNextSpellError();

@@ -213,9 +213,15 @@ void Hyperlinks::ClearTrailingLinkMarker(int caret)
         state.lastUndoKind = HyperLinkUD;
         EmptyEditorUndoBuffer();
         // Moving the caret resets the typing format; with the caret back at the very end, what
-        // is typed next must still come without the marker.
-        if (surface.selLength() == 0 && surface.selStart() == surface.textLength() && surface.freezeCount() == 0)
-            surface.setSelectionCharFormat(clear);
+        // is typed or pasted next must still come without the marker, and outside the link
+        // (also while a paste holds the display frozen: the frozen caret carries the format to
+        // the editor).
+        if (surface.selLength() == 0 && surface.selStart() == surface.textLength()) {
+            CharFormat plain = clear;
+            plain.linkEffect = false;
+            plain.linkAddress = QString();
+            surface.setSelectionCharFormat(plain);
+        }
     }
 }
 

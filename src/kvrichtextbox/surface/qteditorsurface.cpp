@@ -22,18 +22,15 @@ namespace kvrtb {
 
 namespace {
 
-// The document's own separators, as the surface's plain text shows them.
+// The document's own separators, as the surface's plain text shows them: a paragraph break
+// (and the start or end of a table's frame) is a line feed. Every other character is kept as
+// the document holds it, so no-break spaces and line separators survive a plain-text round
+// trip.
 QString plainFromDocument(QString text)
 {
     for (QChar &c : text) {
-        switch (c.unicode()) {
-        case 0xFDD0: // beginning of a frame (a table)
-        case 0xFDD1: // end of a frame
-        case QChar::ParagraphSeparator:
-        case QChar::LineSeparator: c = QLatin1Char('\n'); break;
-        case QChar::Nbsp: c = QLatin1Char(' '); break;
-        default: break;
-        }
+        if (surfacedetail::isParagraphBreak(c))
+            c = QLatin1Char('\n');
     }
     return text;
 }
@@ -218,7 +215,9 @@ void QtEditorSurface::withWidgetCursor(Operation operation) const
 
 QString QtEditorSurface::text() const
 {
-    return document()->toPlainText();
+    // Not toPlainText(): that turns no-break spaces into spaces and line separators into
+    // paragraph breaks.
+    return plainFromDocument(document()->toRawText());
 }
 
 void QtEditorSurface::setText(const QString &text)
@@ -848,7 +847,9 @@ void QtEditorSurface::refresh()
 
 quintptr QtEditorSurface::windowHandle() const
 {
-    return quintptr(m_edit->winId());
+    // Not winId(): asking for the id that way gives the editor a native window of its own, a
+    // change of the widget that a read must not make.
+    return quintptr(m_edit->internalWinId());
 }
 
 QWidget *QtEditorSurface::widget() const

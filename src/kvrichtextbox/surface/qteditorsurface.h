@@ -53,6 +53,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
     void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
 
@@ -68,6 +69,7 @@ public:
     int lineFromChar(int position) const override;
     int firstVisibleLine() const override;
     void scrollLines(int lines, int columns = 0) override;
+    void scrollToPosition(int position) override;
     QRect formattingRect() const override;
     int textOriginX() const override;
     int charFromPoint(const QPoint &point) const override;

@@ -431,6 +431,14 @@ void TestEditorInput::popupMenuItemsAndCommands()
     QCOMPARE(s.services.menus.last().first().id, 2);
     QVERIFY(s.services.menus.last().first().enabled);
     QCOMPARE(s.control.Text(), QStringLiteral("abc"));
+
+    // "Apply VB6 Syntax" colours the keywords of all the text.
+    s.control.setText(QStringLiteral("If abc Then"));
+    s.services.menuAnswers << int(MenuCommand::ApplyVB6Syntax);
+    s.rightClick(5);
+    s.control.setSelStart(0);
+    s.control.setSelLength(2);
+    QCOMPARE(s.control.SelColor(), QVariant(s.control.ColorVB6KeyWord()));
 }
 
 void TestEditorInput::synonymIdsCollideWithSpellingIds()

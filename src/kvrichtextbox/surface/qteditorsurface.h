@@ -58,6 +58,7 @@ public:
 
     ParaFormat selectionParaFormat() const override;
     void setSelectionParaFormat(const ParaFormat &format) override;
+    ParaFormat paraFormatAt(int position) const override;
 
     int find(const QString &what, int start, int end, int flags) const override;
 
@@ -69,6 +70,7 @@ public:
     void scrollLines(int lines, int columns = 0) override;
     void scrollToPosition(int position) override;
     QRect formattingRect() const override;
+    int textOriginX() const override;
     int charFromPoint(const QPoint &point) const override;
     int scrollOffset() const override;
     void setScrollOffset(int pixels) override;
@@ -119,6 +121,8 @@ public:
     quintptr windowHandle() const override;
     QWidget *widget() const override;
     void print(QPagedPaintDevice *device) const override;
+    int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
+                    QString *error = nullptr) const override;
 
     void setListener(SurfaceListener *listener) override;
 

@@ -6,6 +6,7 @@
 #include "spelling/thesaurus.h"
 #include "spelling/windows1252.h"
 #include "spelling/wordlists.h"
+#include "testregistry.h"
 
 #include <QFile>
 #include <QProcess>
@@ -747,5 +748,5 @@ void TestSpelling::commandLineWordLists()
 #endif
 }
 
-QTEST_GUILESS_MAIN(TestSpelling)
+KVRTB_REGISTER_TEST(TestSpelling)
 #include "test_spelling.moc"

@@ -550,18 +550,6 @@ private slots:
         s->setListener(nullptr);
     }
 
-    void virtualKeyCodes()
-    {
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_A), 65);
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_Return), 13);
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_Delete), 46);
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_At), 50);
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_Colon), 186);
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_Period), 190);
-        QCOMPARE(SurfaceTextEdit::virtualKeyCode(Qt::Key_F1), 112);
-        QCOMPARE(SurfaceTextEdit::shiftState(Qt::ShiftModifier | Qt::ControlModifier), 3);
-    }
-
     void scrollingAndVisibleLines()
     {
         auto s = makeSurface(300);

@@ -5,9 +5,12 @@
 #include "editing/editcommands.h"
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
+#include "editorinput/editorinput.h"
+#include "findreplace/findreplace.h"
 #include "fonts/fontselection.h"
 #include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
+#include "spelling/misspellings.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -28,6 +31,13 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_editorInput = std::make_unique<EditorInput>(*this);
+    // A load forgets the control's mark of an undo snapshot, and the ruler follows the caret
+    // after it through the one ruler hook.
+    m_documents->setLinkUndoPendingClearer([this] { m_specialUndo->clearLinkUndoPending(); });
+    m_documents->setRulerRefresher([this] { refreshRuler(); });
+    m_misspellings = std::make_unique<Misspellings>(*this);
+    m_findReplace = std::make_unique<FindReplace>(*this);
     m_fontSelection = std::make_unique<FontSelection>(*this);
     m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
 }

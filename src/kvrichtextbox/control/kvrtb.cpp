@@ -1,6 +1,7 @@
 #include "control/kvrtb.h"
 
 #include "editing/editcommands.h"
+#include "editorinput/editorinput.h"
 #include "spelling/dictionary.h"
 
 #include "core/controlcore.h"
@@ -66,8 +67,9 @@ void KvRTB::initialise(PlatformServices &services)
     m_core = std::make_unique<ControlCore>(m_rtbPicture, services, static_cast<ControlEvents &>(*this));
     m_core->surface().widget()->setObjectName(QStringLiteral("RichTextBox1"));
     m_core->converter().widget()->setObjectName(QStringLiteral("RichTextBox2"));
-    m_editorEvents = std::make_unique<EditorEvents>(*this);
-    m_core->surface().setListener(m_editorEvents.get());
+    m_inputCommands = std::make_unique<InputCommands>(*this);
+    m_core->editorInput().setHost(m_inputCommands.get());
+    m_core->surface().setListener(&m_core->editorInput());
 
     // The editor starts flat and borderless, as the property defaults say; its own font is what
     // `Font` means when no font is set.

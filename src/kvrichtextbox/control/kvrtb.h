@@ -569,7 +569,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    class EditorEvents;
+    class InputCommands;
 
     void initialise(PlatformServices &services);
     /// Sizes the ruler strip, the editor's frame and the progress bar to the control.
@@ -609,7 +609,7 @@ private:
     QWidget *m_picture1 = nullptr;      // auxiliary drawing surface
     QProgressBar *m_progressBar = nullptr;
     std::unique_ptr<ControlCore> m_core;
-    std::unique_ptr<EditorEvents> m_editorEvents;
+    std::unique_ptr<InputCommands> m_inputCommands;
     mutable EditorSettings m_editorSettings;
     // Scratch space of word and pattern passes (hidden list and text boxes of the interface).
     QStringList m_list1;

@@ -1,102 +1,47 @@
-// The control's events: from the editing surface to the host, and from the areas to the host.
+// The control's events raised by the areas (the editor's own events come through the
+// key and mouse handling, which raises them here too), and the members its pop-up menu runs.
 
-#include "core/controlcore.h"
 #include "control/kvrtb_p.h"
 
 #include <QProgressBar>
 
 namespace kvrtb {
 
-// --- Editor events --------------------------------------------------------------------------
+// --- Members the pop-up menu runs ----------------------------------------------------------
 
-void KvRTB::EditorEvents::click()
+void KvRTB::InputCommands::CommonDialogFontSelect()
 {
-    emit m_control.Click();
+    m_control.CommonDialogFontSelect();
 }
 
-void KvRTB::EditorEvents::dblClick()
+void KvRTB::InputCommands::ShowFontSelect()
 {
-    emit m_control.DblClick();
+    m_control.ShowFontSelect();
 }
 
-void KvRTB::EditorEvents::selChange()
+Colour KvRTB::InputCommands::CommonDialogFontColor(Colour seed)
 {
-    // Bulk passes move the selection without telling the host.
-    if (!m_control.core().isSelectionQuiet())
-        emit m_control.SelChange();
+    return m_control.CommonDialogFontColor(QVariant(uint(seed)));
 }
 
-void KvRTB::EditorEvents::change()
+Colour KvRTB::InputCommands::CommonDialogColor(bool &cancelled, Colour original)
 {
-    emit m_control.Change();
+    return m_control.CommonDialogColor(cancelled, true, original);
 }
 
-void KvRTB::EditorEvents::keyDown(int &keyCode, int &shift)
+void KvRTB::InputCommands::setMyFontColor(Colour colour)
 {
-    short code = short(keyCode);
-    short state = short(shift);
-    emit m_control.KeyDown(code, state);
-    keyCode = code;
-    shift = state;
-    // The control's own keyboard shortcuts come with the editor-events area.
+    m_control.setMyFontColor(colour);
 }
 
-void KvRTB::EditorEvents::keyPress(int &keyAscii)
+void KvRTB::InputCommands::setMyHLColor(Colour colour)
 {
-    short ascii = short(keyAscii);
-    emit m_control.KeyPress(ascii);
-    keyAscii = ascii;
+    m_control.setMyHLColor(colour);
 }
 
-void KvRTB::EditorEvents::keyUp(int &keyCode, int &shift)
+void KvRTB::InputCommands::ApplyVB6Syntax()
 {
-    short code = short(keyCode);
-    short state = short(shift);
-    emit m_control.KeyUp(code, state);
-    keyCode = code;
-    shift = state;
-    // Recording undo data for what was typed and the link pass around the caret come with the
-    // editor-events area; they run here, between KeyUp and Finish.
-    emit m_control.Finish();
-    emit m_control.Ready();
-}
-
-void KvRTB::EditorEvents::raiseMouse(MouseSignal signal, int &button, int &shift, float &x, float &y)
-{
-    short buttonCode = short(button);
-    short state = short(shift);
-    float xTwips = x * kTwipsPerPixel;
-    float yTwips = y * kTwipsPerPixel;
-    (m_control.*signal)(buttonCode, state, xTwips, yTwips);
-    button = buttonCode;
-    shift = state;
-    x = xTwips / kTwipsPerPixel;
-    y = yTwips / kTwipsPerPixel;
-}
-
-void KvRTB::EditorEvents::mouseDown(int &button, int &shift, float &x, float &y)
-{
-    raiseMouse(&KvRTB::MouseDown, button, shift, x, y);
-}
-
-void KvRTB::EditorEvents::mouseMove(int &button, int &shift, float &x, float &y)
-{
-    raiseMouse(&KvRTB::MouseMove, button, shift, x, y);
-}
-
-void KvRTB::EditorEvents::mouseUp(int &button, int &shift, float &x, float &y)
-{
-    emit m_control.Begin();
-    raiseMouse(&KvRTB::MouseUp, button, shift, x, y);
-    // Following a clicked link and the pop-up menu come with the editor-events area; they run
-    // here, between MouseUp and Finish.
-    emit m_control.Finish();
-}
-
-void KvRTB::EditorEvents::contextMenu(const QPoint &)
-{
-    // The control's pop-up menu comes with the editor-events area; until then the editor shows
-    // none (the right button still raises MouseDown and MouseUp).
+    m_control.ApplyVB6Syntax(Syntax_All_Text, Retain_All_Formatting);
 }
 
 // --- Events raised by the areas -------------------------------------------------------------

@@ -24,19 +24,13 @@ QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAv
 void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
 bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
 
-// Spelling: still to come.
-bool KvRTB::DetectMisspellings(QStringList &) { reportNotAvailable("DetectMisspellings"); return false; }
-bool KvRTB::DetectNotWords(int) { reportNotAvailable("DetectNotWords"); return false; }
+// Spelling suggestions, corrections and the spelling dialog: still to come.
 void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
 {
     reportNotAvailable("GetPossibleSpellingCorrections");
     SCData.Suggestions.clear();
     SCData.SuggestionsFound = false;
 }
-int KvRTB::SpellCheck(QStringList &) { reportNotAvailable("SpellCheck"); return -1; }
-void KvRTB::PrepNonSpellCheckRTB(const QStringList &) { reportNotAvailable("PrepNonSpellCheckRTB"); }
-int KvRTB::GoToNextSpellError() { reportNotAvailable("GoToNextSpellError"); return -1; }
-int KvRTB::GoToPreviousSpellError() { reportNotAvailable("GoToPreviousSpellError"); return -1; }
 int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
 void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
 int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
@@ -53,11 +47,5 @@ int KvRTB::CommonDialogPrint(short *) { reportNotAvailable("CommonDialogPrint");
 void KvRTB::SelPrint(const QVariant &) { reportNotAvailable("SelPrint"); }
 bool KvRTB::PrinterInstalled() { reportNotAvailable("PrinterInstalled"); return false; }
 void KvRTB::ShowPrintPreview() { reportNotAvailable("ShowPrintPreview"); }
-
-// Find and replace: still to come.
-int KvRTB::Find2(const QString &, FindDirectionQ, FindOptionsQ, bool) { reportNotAvailable("Find2"); return -1; }
-bool KvRTB::FindVerify(const QString &, FindOptionsQ) { reportNotAvailable("FindVerify"); return false; }
-void KvRTB::ShowFindReplace() { reportNotAvailable("ShowFindReplace"); }
-void KvRTB::ExitFindRep() { reportNotAvailable("ExitFindRep"); }
 
 } // namespace kvrtb

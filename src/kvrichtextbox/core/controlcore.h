@@ -5,6 +5,7 @@
 #include "core/editorsurface.h"
 #include "core/platformservices.h"
 
+#include <functional>
 #include <memory>
 
 class QWidget;
@@ -13,9 +14,12 @@ namespace kvrtb {
 
 class Documents;
 class EditCommands;
+class EditorInput;
+class FindReplace;
 class FontSelection;
 class Hyperlinks;
 class LinesAndCase;
+class Misspellings;
 class SpecialUndo;
 class WhatsThisHelp;
 
@@ -60,6 +64,22 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// The control's key and mouse handling, typing follow-up and pop-up menu: the listener of
+    /// the visible surface once the widget connects it.
+    EditorInput &editorInput() { return *m_editorInput; }
+
+    /// Brings the ruler in line with the caret's paragraph. Does nothing until a ruler is
+    /// connected with `setRulerRefresher` (a control without a ruler).
+    void refreshRuler()
+    {
+        if (m_rulerRefresher)
+            m_rulerRefresher();
+    }
+    void setRulerRefresher(std::function<void()> refresher) { m_rulerRefresher = std::move(refresher); }
+    /// Misspelling detection and moving between misspelt words.
+    Misspellings &misspellings() { return *m_misspellings; }
+    /// Find and replace, and the "Find / Replace" dialog.
+    FindReplace &findReplace() { return *m_findReplace; }
 
     /// The font and colour dialogs and default-font mode.
     FontSelection &fontSelection() { return *m_fontSelection; }
@@ -88,6 +108,10 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<EditorInput> m_editorInput;
+    std::function<void()> m_rulerRefresher;
+    std::unique_ptr<Misspellings> m_misspellings;
+    std::unique_ptr<FindReplace> m_findReplace;
     std::unique_ptr<FontSelection> m_fontSelection;
     std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
     int m_progress = 0;

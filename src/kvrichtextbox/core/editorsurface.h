@@ -197,6 +197,16 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief One replacement of a batch: [start, start + length) becomes `text`.
+    struct TextReplacement {
+        int start = 0;
+        int length = 0;
+        QString text;
+    };
+    /// Replaces the ranges (ascending, not overlapping, positions in the text as it stands) in
+    /// one edit: one undo step, one relayout. Each new text ("\n" = paragraph break) takes the
+    /// format of its range's first character, with the set fields of \a format (when given) on top.
+    virtual void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) = 0;
     /// The format of [start, start + length) with mixed attributes empty.
     virtual CharFormat rangeCharFormat(int start, int length) const = 0;
 

@@ -88,6 +88,7 @@ void SpecialUndo::storeInSlot()
     slot.selLength = surface.selLength();
     slot.selStart = surface.selStart();
     slot.text = CaptureUndoSnapshot(surface);
+    m_linkUndoPending = true;
 }
 
 void SpecialUndo::SaveSpecialUndoData()

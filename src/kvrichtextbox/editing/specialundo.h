@@ -50,6 +50,12 @@ public:
     int undoRunState() const { return m_undoRunState; }
     void setUndoRunState(int state) { m_undoRunState = state; }
 
+    /// True when this control put a snapshot into the slot (the undo key and the menu's "Undo"
+    /// then fall back on `HyperUndo`) and no load has cleared the mark since. The slot itself is
+    /// shared by the thread's controls; this mark is the control's own.
+    bool linkUndoPending() const { return m_linkUndoPending; }
+    void clearLinkUndoPending() { m_linkUndoPending = false; }
+
     /// The document's RTF, normalised so that a snapshot written back and taken again does not
     /// grow by an empty paragraph per line: from the first "\pard\" line on, a line that is a
     /// carriage return and "\par " opposite a non-empty plain line is dropped.
@@ -63,6 +69,7 @@ private:
 
     ControlCore &m_core;
     int m_undoRunState = 0;
+    bool m_linkUndoPending = false;
 };
 
 } // namespace kvrtb

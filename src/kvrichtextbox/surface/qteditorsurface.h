@@ -52,6 +52,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
 
     ParaFormat selectionParaFormat() const override;

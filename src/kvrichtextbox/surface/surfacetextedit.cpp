@@ -1,6 +1,7 @@
 #include "surface/surfacetextedit.h"
 
 #include "core/editorsurface.h"
+#include "core/virtualkeys.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
 
@@ -11,6 +12,8 @@
 #include <QMouseEvent>
 #include <QTextCursor>
 #include <QTextDocument>
+
+#include <optional>
 
 namespace kvrtb {
 
@@ -40,90 +43,6 @@ SurfaceTextEdit::SurfaceTextEdit(QWidget *parent) : QTextEdit(parent)
     setAcceptRichText(true);
 }
 
-int SurfaceTextEdit::virtualKeyCode(int key)
-{
-    if (key >= Qt::Key_A && key <= Qt::Key_Z)
-        return key; // same codes, 65..90
-    if (key >= Qt::Key_0 && key <= Qt::Key_9)
-        return key; // 48..57
-    if (key >= Qt::Key_F1 && key <= Qt::Key_F24)
-        return 112 + (key - Qt::Key_F1);
-    switch (key) {
-    case Qt::Key_Backspace: return 8;
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab: return 9;
-    case Qt::Key_Return:
-    case Qt::Key_Enter: return 13;
-    case Qt::Key_Shift: return 16;
-    case Qt::Key_Control: return 17;
-    case Qt::Key_Alt: return 18;
-    case Qt::Key_Pause: return 19;
-    case Qt::Key_CapsLock: return 20;
-    case Qt::Key_Escape: return 27;
-    case Qt::Key_Space: return 32;
-    case Qt::Key_PageUp: return 33;
-    case Qt::Key_PageDown: return 34;
-    case Qt::Key_End: return 35;
-    case Qt::Key_Home: return 36;
-    case Qt::Key_Left: return 37;
-    case Qt::Key_Up: return 38;
-    case Qt::Key_Right: return 39;
-    case Qt::Key_Down: return 40;
-    case Qt::Key_Insert: return 45;
-    case Qt::Key_Delete: return 46;
-    case Qt::Key_Meta: return 91;
-    case Qt::Key_Menu: return 93;
-    case Qt::Key_NumLock: return 144;
-    case Qt::Key_ScrollLock: return 145;
-    case Qt::Key_Semicolon:
-    case Qt::Key_Colon: return 186;
-    case Qt::Key_Equal:
-    case Qt::Key_Plus: return 187;
-    case Qt::Key_Comma:
-    case Qt::Key_Less: return 188;
-    case Qt::Key_Minus:
-    case Qt::Key_Underscore: return 189;
-    case Qt::Key_Period:
-    case Qt::Key_Greater: return 190;
-    case Qt::Key_Slash:
-    case Qt::Key_Question: return 191;
-    case Qt::Key_QuoteLeft:
-    case Qt::Key_AsciiTilde: return 192;
-    case Qt::Key_BracketLeft:
-    case Qt::Key_BraceLeft: return 219;
-    case Qt::Key_Backslash:
-    case Qt::Key_Bar: return 220;
-    case Qt::Key_BracketRight:
-    case Qt::Key_BraceRight: return 221;
-    case Qt::Key_Apostrophe:
-    case Qt::Key_QuoteDbl: return 222;
-    // Shifted digits arrive as their symbols; the platform reports the digit key.
-    case Qt::Key_Exclam: return '1';
-    case Qt::Key_At: return '2';
-    case Qt::Key_NumberSign: return '3';
-    case Qt::Key_Dollar: return '4';
-    case Qt::Key_Percent: return '5';
-    case Qt::Key_AsciiCircum: return '6';
-    case Qt::Key_Ampersand: return '7';
-    case Qt::Key_Asterisk: return '8';
-    case Qt::Key_ParenLeft: return '9';
-    case Qt::Key_ParenRight: return '0';
-    default: return 0;
-    }
-}
-
-int SurfaceTextEdit::shiftState(Qt::KeyboardModifiers modifiers)
-{
-    int state = 0;
-    if (modifiers & Qt::ShiftModifier)
-        state |= 1;
-    if (modifiers & Qt::ControlModifier)
-        state |= 2;
-    if (modifiers & Qt::AltModifier)
-        state |= 4;
-    return state;
-}
-
 int SurfaceTextEdit::roomLeft() const
 {
     if (m_maxLength <= 0)
@@ -136,56 +55,65 @@ int SurfaceTextEdit::roomLeft() const
 
 void SurfaceTextEdit::keyPressEvent(QKeyEvent *event)
 {
-    int keyCode = virtualKeyCode(event->key());
-    int shift = shiftState(event->modifiers());
-    const int originalCode = keyCode;
-    if (m_listener && keyCode != 0) {
+    if (!m_listener) {
+        QTextEdit::keyPressEvent(event);
+        return;
+    }
+    const int originalCode = KeyTable::fromQt(event->key(), event->modifiers(), event->text());
+    const int originalShift = KeyTable::shiftState(event->modifiers());
+    int keyCode = originalCode;
+    int shift = originalShift;
+    if (keyCode != 0) {
         m_listener->keyDown(keyCode, shift);
         if (keyCode == 0) {
             event->accept();
             return;
         }
     }
-    QString text = event->text();
-    const bool typesCharacter = !text.isEmpty() && text.at(0).isPrint() &&
-                                !(event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier));
-    const bool typesBreak = keyCode == 13 || keyCode == 9;
-    if (typesCharacter || typesBreak) {
-        if (m_listener) {
-            int keyAscii = typesBreak ? keyCode : text.at(0).unicode();
-            m_listener->keyPress(keyAscii);
-            if (keyAscii == 0) {
-                event->accept();
-                return;
-            }
-            if (typesCharacter && keyAscii != text.at(0).unicode())
-                text = QString(QChar(keyAscii));
+    // The key the editor acts on: the one pressed, or the one a handler put in its place,
+    // translated back through the key table.
+    std::optional<QKeyEvent> replaced;
+    QKeyEvent *key = event;
+    if (keyCode != originalCode || shift != originalShift) {
+        const KeyTable::QtKey qtKey = KeyTable::toQt(keyCode, shift);
+        if (qtKey.key == 0) {
+            event->accept(); // a code with no key stops the key, as 0 does
+            return;
         }
-        const int room = roomLeft();
-        if (room == 0) {
+        replaced.emplace(event->type(), qtKey.key, qtKey.modifiers, qtKey.text, event->isAutoRepeat());
+        key = &*replaced;
+    }
+
+    QString text = key->text();
+    const bool typesCharacter = !text.isEmpty() && text.at(0).isPrint() &&
+                                !(key->modifiers() & (Qt::ControlModifier | Qt::MetaModifier));
+    const bool typesBreak = keyCode == VkReturn || keyCode == VkTab;
+    if (typesCharacter || typesBreak) {
+        int keyAscii = typesBreak ? keyCode : text.at(0).unicode();
+        m_listener->keyPress(keyAscii);
+        if (keyAscii == 0) {
+            event->accept();
+            return;
+        }
+        if (typesCharacter && keyAscii != text.at(0).unicode()) {
+            text = QString(QChar(char16_t(keyAscii)));
+            replaced.emplace(key->type(), key->key(), key->modifiers(), text, key->isAutoRepeat());
+            key = &*replaced;
+        }
+        if (roomLeft() == 0) {
             QApplication::beep();
             event->accept();
             return;
         }
-        if (typesCharacter && text != event->text()) {
-            QKeyEvent changed(event->type(), event->key(), event->modifiers(), text, event->isAutoRepeat());
-            QTextEdit::keyPressEvent(&changed);
-            return;
-        }
     }
-    if (keyCode != originalCode) {
-        // The listener turned the key into another one; let the editor act on that one.
-        QKeyEvent changed(event->type(), keyCode, event->modifiers(), event->text(), event->isAutoRepeat());
-        QTextEdit::keyPressEvent(&changed);
-        return;
-    }
-    QTextEdit::keyPressEvent(event);
+    QTextEdit::keyPressEvent(key);
+    event->setAccepted(key->isAccepted());
 }
 
 void SurfaceTextEdit::keyReleaseEvent(QKeyEvent *event)
 {
-    int keyCode = virtualKeyCode(event->key());
-    int shift = shiftState(event->modifiers());
+    int keyCode = KeyTable::fromQt(event->key(), event->modifiers(), event->text());
+    int shift = KeyTable::shiftState(event->modifiers());
     if (m_listener && keyCode != 0)
         m_listener->keyUp(keyCode, shift);
     QTextEdit::keyReleaseEvent(event);
@@ -195,7 +123,7 @@ void SurfaceTextEdit::mousePressEvent(QMouseEvent *event)
 {
     if (m_listener) {
         int button = mouseButtonCode(event->button());
-        int shift = shiftState(event->modifiers());
+        int shift = KeyTable::shiftState(event->modifiers());
         float x = float(event->position().x());
         float y = float(event->position().y());
         m_listener->mouseDown(button, shift, x, y);
@@ -207,7 +135,7 @@ void SurfaceTextEdit::mouseMoveEvent(QMouseEvent *event)
 {
     if (m_listener) {
         int button = mouseButtonCode(event->buttons());
-        int shift = shiftState(event->modifiers());
+        int shift = KeyTable::shiftState(event->modifiers());
         float x = float(event->position().x());
         float y = float(event->position().y());
         m_listener->mouseMove(button, shift, x, y);
@@ -220,7 +148,7 @@ void SurfaceTextEdit::mouseReleaseEvent(QMouseEvent *event)
     QTextEdit::mouseReleaseEvent(event);
     if (m_listener) {
         int button = mouseButtonCode(event->button());
-        int shift = shiftState(event->modifiers());
+        int shift = KeyTable::shiftState(event->modifiers());
         float x = float(event->position().x());
         float y = float(event->position().y());
         m_listener->mouseUp(button, shift, x, y);

@@ -18,11 +18,6 @@ public:
     void setMaxLength(int length) { m_maxLength = length; }
     int maxLength() const { return m_maxLength; }
 
-    /// The platform's virtual-key code of a Qt key (0 when it has none).
-    static int virtualKeyCode(int qtKey);
-    /// Shift state from Qt modifiers: 1 Shift, 2 Ctrl, 4 Alt.
-    static int shiftState(Qt::KeyboardModifiers modifiers);
-
 signals:
     /// Emitted when the viewport's width changes (lines re-wrap).
     void viewportResized();

@@ -10,6 +10,7 @@ packages=(
   fonts-liberation2 xvfb
   clang libclang-rt-14-dev
   libreoffice-writer-nogui
+  poppler-utils xvfb
 )
 
 missing=()

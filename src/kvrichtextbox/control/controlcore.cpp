@@ -11,6 +11,8 @@
 #include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
 #include "spelling/misspellings.h"
+#include "printing/printing.h"
+#include "ruler/ruler.h"
 #include "surface/surfacefactory.h"
 
 #include <QWidget>
@@ -40,6 +42,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_findReplace = std::make_unique<FindReplace>(*this);
     m_fontSelection = std::make_unique<FontSelection>(*this);
     m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
+    m_ruler = std::make_unique<Ruler>(*this);
+    m_printing = std::make_unique<Printing>(*this);
 }
 
 ControlCore::~ControlCore() = default;
@@ -53,6 +57,12 @@ void ControlCore::lockWindowUpdate(bool lock)
         m_surface->freeze();
     else
         m_surface->unfreeze();
+}
+
+void ControlCore::refreshRuler()
+{
+    if (m_ruler) // not while the core is being built
+        m_ruler->refresh();
 }
 
 void ControlCore::setProgress(int percent)

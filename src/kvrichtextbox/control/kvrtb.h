@@ -116,6 +116,12 @@ class KvRTB : public QWidget, private ControlEvents {
     Q_PROPERTY(QVariant SelHangingIndent READ SelHangingIndent WRITE setSelHangingIndent DESIGNABLE false STORED false)
     Q_PROPERTY(QVariant SelRightIndent READ SelRightIndent WRITE setSelRightIndent DESIGNABLE false STORED false)
     Q_PROPERTY(QVariant SelTabCount READ SelTabCount WRITE setSelTabCount DESIGNABLE false STORED false)
+    // Printing: the heading, its place (`PageHeadingAlign`), the page numbers and date
+    // (`PageNumAndNow`) and the custom text printed in the page margins.
+    Q_PROPERTY(QString PageHeading READ PageHeading WRITE setPageHeading DESIGNABLE false STORED false)
+    Q_PROPERTY(int PageHeadingAlignment READ PageHeadingAlignment WRITE setPageHeadingAlignment DESIGNABLE false STORED false)
+    Q_PROPERTY(int PageNumbersAndDate READ PageNumbersAndDate WRITE setPageNumbersAndDate DESIGNABLE false STORED false)
+    Q_PROPERTY(QString PageCustomText READ PageCustomText WRITE setPageCustomText DESIGNABLE false STORED false)
 
 public:
     /// A control with the desktop's dialogs and services.
@@ -217,6 +223,16 @@ public:
 
     qulonglong hwnd() const;
 
+    // --- Printing settings (run time, not persisted) ------------------------------------------
+    /// The heading printed on every page; empty for none.
+    QString PageHeading() const;
+    /// Where the heading goes, a `PageHeadingAlign` value (default `CenterAlignHeading`).
+    int PageHeadingAlignment() const;
+    /// Page numbers ("Page N") and the date, a `PageNumAndNow` value (default `PrintNiether`).
+    int PageNumbersAndDate() const;
+    /// The text `PrintCustom` and `PrintCustomWNum` print in the middle of the margin.
+    QString PageCustomText() const;
+
 public slots:
     void setAllowImages(bool value);
     void setAppearance(int value);
@@ -286,6 +302,13 @@ public slots:
     /// Moves tab stop \a e_ellmt (0-based, must exist) to \a value twips.
     void setSelTabs(int e_ellmt, int value);
 
+    void setPageHeading(const QString &value);
+    /// A value that is not a `PageHeadingAlign` is refused with a warning; the setting stays.
+    void setPageHeadingAlignment(int value);
+    /// A value that is not a `PageNumAndNow` is refused with a warning; the setting stays.
+    void setPageNumbersAndDate(int value);
+    void setPageCustomText(const QString &value);
+
     // --- Control shell ----------------------------------------------------------------------
     /// Repaints the control and the editor.
     void Refresh();
@@ -311,8 +334,8 @@ public slots:
     /// Asks the running long operation to stop at its next check (sets the per-thread flag
     /// that every control on this thread shares; the next long operation clears it).
     void KillSwitch();
-    /// Turns wrapping off (\a Wrap false) or on: at the ruler's width (the right margin, or
-    /// the window when there is none) when \a RulerWrap is true, else at the window's width.
+    /// Turns wrapping off (\a Wrap false) or on: at the ruler's right margin (the width of the
+    /// text on a printed page) when \a RulerWrap is true, else at the window's width.
     /// `MyWrapStyle` follows; `Finish` and `Ready` are raised. Both switches are plain values so
     /// that a host calling by name can pass them.
     void Word_Wrap(const bool &Wrap, const bool &RulerWrap = false);
@@ -447,15 +470,31 @@ public slots:
     void ShowRandomWord();
 
     // --- Ruler ------------------------------------------------------------------------------
+    // The strip above the editor (shown while `DisplayRuler` is true) measures from where an
+    // unindented line starts to the right margin, the width of the text on a printed page.
+    /// Draws the whole ruler again: scale, shading, and the caret paragraph's indents and tabs.
     void DrawRuler();
+    /// Empties the strip until the next `DrawRuler` or the next caret move.
     void ClearRuler();
+    /// Shows the tab stops of the caret's paragraph again.
     void SetRulerTabs();
+    /// Redraws the shading outside the margins (after `PrinterMargin` changed); when the
+    /// editor wraps to the ruler, it then wraps at the new margin.
     void ShadeRuler();
 
     // --- Printing ---------------------------------------------------------------------------
+    // Pages have margins of `PrinterMargin` twips and carry `PageHeading`, page numbers, the
+    // date and `PageCustomText` as `PageHeadingAlignment` and `PageNumbersAndDate` say.
+    /// Shows the print dialog (all, a page range, or the selection when there is one) and
+    /// prints. Returns the pages printed; 0 when cancelled (\a MyErr 32755) or when printing
+    /// failed (\a MyErr 482).
     int CommonDialogPrint(short *MyErr = nullptr);
+    /// Prints the selection, or the whole document when nothing is selected, without a dialog:
+    /// on the default printer, or into the PDF file that a string \a vStartDoc names.
     void SelPrint(const QVariant &vStartDoc = QVariant());
+    /// True when the system has a printer (printing into a PDF file needs none).
     bool PrinterInstalled();
+    /// Shows the print preview of the document (`PrintPreview`), from which the user may print.
     void ShowPrintPreview();
 
     // --- Find and replace -------------------------------------------------------------------

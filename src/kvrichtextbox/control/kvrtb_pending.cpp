@@ -36,16 +36,5 @@ void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); 
 int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
-// Ruler: still to come.
-void KvRTB::DrawRuler() { reportNotAvailable("DrawRuler"); }
-void KvRTB::ClearRuler() { reportNotAvailable("ClearRuler"); }
-void KvRTB::SetRulerTabs() { reportNotAvailable("SetRulerTabs"); }
-void KvRTB::ShadeRuler() { reportNotAvailable("ShadeRuler"); }
-
-// Printing: still to come.
-int KvRTB::CommonDialogPrint(short *) { reportNotAvailable("CommonDialogPrint"); return 0; }
-void KvRTB::SelPrint(const QVariant &) { reportNotAvailable("SelPrint"); }
-bool KvRTB::PrinterInstalled() { reportNotAvailable("PrinterInstalled"); return false; }
-void KvRTB::ShowPrintPreview() { reportNotAvailable("ShowPrintPreview"); }
 
 } // namespace kvrtb

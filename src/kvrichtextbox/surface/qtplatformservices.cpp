@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPrintDialog>
+#include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QUrl>
 
@@ -161,9 +162,21 @@ FontDialogResult QtPlatformServices::fontDialog(const QFont &initial)
     return {ok, ok ? chosen : initial};
 }
 
-bool QtPlatformServices::printDialog(QPrinter &printer)
+bool QtPlatformServices::printDialog(QPrinter &printer, bool offerSelection)
 {
     QPrintDialog dialog(&printer, m_parent);
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, offerSelection);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, true);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+bool QtPlatformServices::printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render)
+{
+    QPrintPreviewDialog dialog(&printer, m_parent);
+    dialog.setObjectName(QStringLiteral("PrintPreview"));
+    dialog.setWindowTitle(tr("Print Preview"));
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                     [&render](QPrinter *target) { render(*target); });
     return dialog.exec() == QDialog::Accepted;
 }
 

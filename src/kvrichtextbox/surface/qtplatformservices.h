@@ -25,7 +25,8 @@ public:
     FileDialogResult saveFileDialog(const FileDialogRequest &request) override;
     ColourDialogResult colourDialog(Colour initial) override;
     FontDialogResult fontDialog(const QFont &initial) override;
-    bool printDialog(QPrinter &printer) override;
+    bool printDialog(QPrinter &printer, bool offerSelection = false) override;
+    bool printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render) override;
     bool openAddress(const QString &address, QString *error = nullptr) override;
     void playClickSound() override;
     void setBusy(bool busy) override;

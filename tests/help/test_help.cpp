@@ -6,10 +6,12 @@
 #include "core/recordingplatformservices.h"
 #include "help/helpfile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHelpEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 #include <QWhatsThis>
@@ -101,6 +103,19 @@ void TestHelp::whatsThisOnTheEditor()
     QCOMPARE(services.openedAddresses, QStringList{QStringLiteral("file:///opt/app/manual.html")});
     control.ShowHelp();
     QCOMPARE(services.openedAddresses.last(), QStringLiteral("file:///opt/app/manual.html"));
+
+    // A file named relative to the working folder is opened by its full path.
+    QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    const QString previous = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    QFile manual(QStringLiteral("guide.html"));
+    QVERIFY(manual.open(QIODevice::WriteOnly));
+    manual.close();
+    control.setWhatsThisHelpFile(QStringLiteral("guide.html"));
+    control.ShowHelp();
+    QDir::setCurrent(previous);
+    QCOMPARE(services.openedAddresses.last(), QUrl::fromLocalFile(folder.filePath(QStringLiteral("guide.html"))).toString());
 }
 
 void TestHelp::clickSoundIsAPlayableWave()

@@ -36,5 +36,4 @@ void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); 
 int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
-
 } // namespace kvrtb

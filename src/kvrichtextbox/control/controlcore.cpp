@@ -13,7 +13,9 @@
 #include "spelling/misspellings.h"
 #include "printing/printing.h"
 #include "ruler/ruler.h"
+#include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
+#include "syntax/syntax.h"
 
 #include <QWidget>
 
@@ -33,6 +35,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_syntax = std::make_unique<Syntax>(*this);
     m_editorInput = std::make_unique<EditorInput>(*this);
     // A load forgets the control's mark of an undo snapshot, and the ruler follows the caret
     // after it through the one ruler hook.
@@ -44,6 +47,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
     m_ruler = std::make_unique<Ruler>(*this);
     m_printing = std::make_unique<Printing>(*this);
+    m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
 }
 
 ControlCore::~ControlCore() = default;

@@ -17,23 +17,7 @@ void setIf(T *out, const T &value)
 
 } // namespace
 
-// Keyword colouring: still to come.
-QVariant KvRTB::ApplyVB6Syntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyVB6Syntax"); return QVariant(); }
-QVariant KvRTB::ApplyVBNetSyntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyVBNetSyntax"); return QVariant(); }
-QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAvailable("ApplyMySyntax"); return QVariant(); }
-void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
-bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
-
-// Spelling suggestions, corrections and the spelling dialog: still to come.
-void KvRTB::GetPossibleSpellingCorrections(SPELL_CHECK_TYPE &SCData)
-{
-    reportNotAvailable("GetPossibleSpellingCorrections");
-    SCData.Suggestions.clear();
-    SCData.SuggestionsFound = false;
-}
-int KvRTB::FixSpelling(const QString &, bool, uint) { reportNotAvailable("FixSpelling"); return -1; }
-void KvRTB::FixSpelling2(const QString &) { reportNotAvailable("FixSpelling2"); }
-int KvRTB::UndoSpellCorrection() { reportNotAvailable("UndoSpellCorrection"); return -1; }
+// Spelling dialog: still to come.
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
 

@@ -24,6 +24,8 @@ class Printing;
 class Ruler;
 class SpecialUndo;
 class WhatsThisHelp;
+class SpellingCorrections;
+class Syntax;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -66,6 +68,8 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// Keyword colouring of VB6, VB.NET and the host's own patterns.
+    Syntax &syntax() { return *m_syntax; }
     /// The control's key and mouse handling, typing follow-up and pop-up menu: the listener of
     /// the visible surface once the widget connects it.
     EditorInput &editorInput() { return *m_editorInput; }
@@ -74,6 +78,8 @@ public:
     Misspellings &misspellings() { return *m_misspellings; }
     /// Find and replace, and the "Find / Replace" dialog.
     FindReplace &findReplace() { return *m_findReplace; }
+    /// Corrections of misspelt words and taking them back.
+    SpellingCorrections &spellingCorrections() { return *m_spellingCorrections; }
 
     /// The font and colour dialogs and default-font mode.
     FontSelection &fontSelection() { return *m_fontSelection; }
@@ -111,6 +117,7 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<Syntax> m_syntax;
     std::unique_ptr<EditorInput> m_editorInput;
     std::unique_ptr<Misspellings> m_misspellings;
     std::unique_ptr<FindReplace> m_findReplace;
@@ -118,6 +125,7 @@ private:
     std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
     std::unique_ptr<Ruler> m_ruler;
     std::unique_ptr<Printing> m_printing;
+    std::unique_ptr<SpellingCorrections> m_spellingCorrections;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -64,11 +64,6 @@ int KvRTB::CurrentLine() { return core().linesAndCase().CurrentLine(); }
 void KvRTB::GoToLine(int LineNumQ, bool SelectLineQ) { core().linesAndCase().GoToLine(LineNumQ, SelectLineQ); }
 int KvRTB::GetLineFromChar(int lChar) { return core().linesAndCase().GetLineFromChar(lChar); }
 void KvRTB::SelectAllText() { core().linesAndCase().SelectAllText(); }
-int KvRTB::TopLineSelStart()
-{
-    // The first character of the first visible line.
-    return core().surface().lineIndex(core().surface().firstVisibleLine());
-}
 int KvRTB::TovrinLine() { return core().linesAndCase().TovrinLine(); }
 int KvRTB::TovrinColumn() { return core().linesAndCase().TovrinColumn(); }
 int KvRTB::TovrinChar() { return core().linesAndCase().TovrinChar(); }

@@ -138,12 +138,16 @@ bool Hyperlinks::IsDocumentTooLargeForLinking() const
     // Every position of the text takes at least one character of RTF.
     if (surface.textLength() > kLargeDocumentRtfLength)
         return true;
-    // Key releases that change nothing (caret movement, modifiers) find the length known.
-    const quint64 revision = surface.revision();
-    if (m_rtfLength < 0 || revision != m_rtfLengthRevision) {
-        m_rtfLength = surface.rtf().size();
-        m_rtfLengthRevision = revision;
+    // While what the document can have grown by since the last measurement keeps it under the
+    // limit, the answer is known without writing the RTF: typing writes it about once in a
+    // thousand keys instead of on every key.
+    if (m_rtfLength >= 0 && m_rtfLength <= kLargeDocumentRtfLength) {
+        const quint64 growth = surface.rtfGrowthAllowance() - m_rtfLengthAllowance;
+        if (growth <= quint64(kLargeDocumentRtfLength - m_rtfLength))
+            return false;
     }
+    m_rtfLengthAllowance = surface.rtfGrowthAllowance();
+    m_rtfLength = surface.rtf().size();
     return m_rtfLength > kLargeDocumentRtfLength;
 }
 

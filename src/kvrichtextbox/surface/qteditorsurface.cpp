@@ -79,6 +79,31 @@ Qt::CursorShape cursorShape(MousePointer pointer)
     return Qt::IBeamCursor;
 }
 
+/// How much a change of the document may lengthen its RTF at most. The writer spends on a
+/// character at most its own escape and, when its format differs from its neighbours', a run
+/// of control words and a link field around it (well under `kRtfPerCharacter`); a change may
+/// add entries to the font and colour tables (`kRtfPerChange`); a new paragraph repeats its
+/// paragraph's properties, tab stops included (`kRtfPerParagraph`). Pictures cost their bytes
+/// and long insertions are not looked at: both count as unbounded.
+quint64 rtfGrowthOfChange(const QTextDocument &document, int from, int removed, int added)
+{
+    constexpr int kLongestLookedAt = 256;
+    constexpr quint64 kRtfPerChange = 1024;
+    constexpr quint64 kRtfPerCharacter = 512;
+    constexpr quint64 kRtfPerParagraph = 16384;
+    if (added > kLongestLookedAt)
+        return EditorSurface::kUnboundedRtfGrowth;
+    quint64 growth = kRtfPerChange + kRtfPerCharacter * quint64(std::max(0, added) + std::max(0, removed));
+    for (int position = from; position < from + added; ++position) {
+        const QChar c = document.characterAt(position);
+        if (c == QChar::ObjectReplacementCharacter)
+            return EditorSurface::kUnboundedRtfGrowth;
+        if (c == QChar::ParagraphSeparator)
+            growth += kRtfPerParagraph;
+    }
+    return growth;
+}
+
 } // namespace
 
 QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new SurfaceTextEdit(parent))
@@ -119,9 +144,10 @@ QTextDocument *QtEditorSurface::document() const
     return m_edit->document();
 }
 
-void QtEditorSurface::onContentsChange(int, int, int)
+void QtEditorSurface::onContentsChange(int from, int removed, int added)
 {
     ++m_revision;
+    m_rtfAllowance += rtfGrowthOfChange(*document(), from, removed, added);
     m_modified = true;
     markLinesDirty();
 }
@@ -529,6 +555,14 @@ quint64 QtEditorSurface::revision() const
     return m_revision;
 }
 
+quint64 QtEditorSurface::rtfGrowthAllowance() const
+{
+    // A frozen surface holds its changes in an open edit whose change signal has not come yet.
+    if (m_freezeCount > 0)
+        m_rtfAllowance += kUnboundedRtfGrowth;
+    return m_rtfAllowance;
+}
+
 bool QtEditorSurface::isModified() const
 {
     flushBatch();
@@ -731,6 +765,7 @@ void QtEditorSurface::setFont(const QFont &font)
     m_edit->setFont(font);
     document()->setDefaultFont(font);
     ++m_revision; // the RTF names the default font
+    m_rtfAllowance += kUnboundedRtfGrowth;
     markLinesDirty();
 }
 

@@ -1,4 +1,5 @@
-// The Qt editor surface: Span, UpTo and the case changes of the selection.
+// The Qt editor surface: Span, UpTo, the case changes of the selection and same-length rewrites
+// of characters that keep their formats.
 
 #include "surface/qteditorsurface.h"
 
@@ -197,6 +198,59 @@ void QtEditorSurface::changeCase(int kind)
     }
     work.endEditBlock();
     setSelection(start, end - start);
+}
+
+void QtEditorSurface::rewriteCharacters(const QList<TextRewrite> &rewrites)
+{
+    if (rewrites.isEmpty())
+        return;
+    QTextDocument *doc = document();
+    const int length = textLength();
+    struct Piece {
+        int from;
+        int to;
+        QString text;
+        QTextCharFormat format;
+    };
+    // A selection edge inside a rewritten piece would slide to the piece's start: keep it.
+    const QTextCursor before = cursor();
+    const int anchor = before.anchor();
+    const int position = before.position();
+    QTextCursor batch(doc);
+    batch.beginEditBlock();
+    for (const TextRewrite &rewrite : rewrites) {
+        const int start = std::clamp(rewrite.start, 0, length);
+        const int end = std::clamp(rewrite.start + int(rewrite.text.size()), start, length);
+        // Fragment by fragment, so that every character keeps its own format. The pieces are
+        // found before any is written, as writing replaces the fragments; the lengths stay the
+        // same, so no position moves.
+        QList<Piece> pieces;
+        for (QTextBlock block = doc->findBlock(start); block.isValid() && block.position() < end;
+             block = block.next()) {
+            for (auto it = block.begin(); !it.atEnd(); ++it) {
+                const QTextFragment fragment = it.fragment();
+                const int from = std::max(start, fragment.position());
+                const int to = std::min(end, fragment.position() + fragment.length());
+                if (from < to)
+                    pieces.append({from, to, rewrite.text.mid(from - rewrite.start, to - from), fragment.charFormat()});
+            }
+        }
+        for (const Piece &piece : std::as_const(pieces)) {
+            QTextCursor range(doc);
+            range.setPosition(piece.from);
+            range.setPosition(piece.to, QTextCursor::KeepAnchor);
+            if (range.selectedText() != piece.text)
+                range.insertText(piece.text, piece.format);
+        }
+    }
+    batch.endEditBlock();
+    QTextCursor after = cursor();
+    if (after.anchor() != anchor || after.position() != position) {
+        after.setPosition(anchor);
+        after.setPosition(position, QTextCursor::KeepAnchor);
+        setCursor(after);
+    }
+    markLinesDirty();
 }
 
 } // namespace kvrtb

@@ -58,6 +58,18 @@ QString loadDocument(const QString &path, QTextDocument &doc)
     return QStringLiteral("unknown input format \"%1\" (use .rtf, .txt, .html, .md)").arg(path);
 }
 
+/// The document's text with a line feed for each paragraph break (and table frame mark); every
+/// other character, no-break spaces and line separators included, as the document holds it.
+QString plainText(const QTextDocument &doc)
+{
+    QString text = doc.toRawText();
+    for (QChar &c : text) {
+        if (c == QChar::ParagraphSeparator || c == QChar(0xFDD0) || c == QChar(0xFDD1))
+            c = QLatin1Char('\n');
+    }
+    return text;
+}
+
 /// Writes \a doc to a file in the format of its extension; returns an error message.
 QString saveDocument(const QTextDocument &doc, const QString &path)
 {
@@ -71,7 +83,7 @@ QString saveDocument(const QTextDocument &doc, const QString &path)
         if (format == Format::Rtf)
             file.write(kvrtb::rtf::writeRtf(doc));
         else
-            file.write(doc.toPlainText().replace(QLatin1Char('\n'), QLatin1String("\r\n")).toUtf8());
+            file.write(plainText(doc).replace(QLatin1Char('\n'), QLatin1String("\r\n")).toUtf8());
         if (!file.commit())
             return QStringLiteral("cannot write \"%1\": %2").arg(path, file.errorString());
         return QString();

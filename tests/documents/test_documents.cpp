@@ -1022,6 +1022,10 @@ private slots:
             QCOMPARE(convert({path(QStringLiteral("cli-enc.txt")), path(QStringLiteral("cli-enc-out.txt"))}), 0);
             QCOMPARE(fileBytes(path(QStringLiteral("cli-enc-out.txt"))), other);
         }
+        // A page converted to text keeps its no-break spaces and line breaks.
+        QVERIFY(writeBytes(path(QStringLiteral("cli-page.html")), "<p>100&nbsp;km<br>on</p><p>end</p>"));
+        QCOMPARE(convert({path(QStringLiteral("cli-page.html")), path(QStringLiteral("cli-page.txt"))}), 0);
+        QCOMPARE(fileBytes(path(QStringLiteral("cli-page.txt"))), QByteArray("100\xC2\xA0km\xE2\x80\xA8on\r\nend"));
         // A save into a folder that is not there: its box on standard error, title and text.
         QCOMPARE(convert({path(QStringLiteral("cli.txt")), path(QStringLiteral("none/out.txt"))}, &errors), 4);
         QVERIFY(errors.contains(QLatin1String("File Access Error 76: Cannot Save File an error has occured!")));

@@ -4,6 +4,7 @@
 // users or a small file system switch the effective user and mount a tmpfs, which needs root.
 
 #include "corefixture.h"
+#include "testsupport.h"
 #include "core/recordingplatformservices.h"
 #include "core/threadstate.h"
 #include "documents/documents.h"
@@ -31,18 +32,6 @@ constexpr gid_t kShared = 4322;   // a group both belong to
 struct Control : test::CoreFixture {
     Documents &docs() { return core.documents(); }
 };
-
-QByteArray fileBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
-}
-
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
-}
 
 struct stat statOf(const QString &path)
 {
@@ -144,7 +133,7 @@ private slots:
         const QString dir = folder(QStringLiteral("links"), 0755);
         const QString file = dir + QStringLiteral("/letter.txt");
         const QString other = dir + QStringLiteral("/copy-of-letter.txt");
-        QVERIFY(writeBytes(file, "first draft\r\n"));
+        QVERIFY(test::writeFile(file, "first draft\r\n"));
         QVERIFY(::link(QFile::encodeName(file).constData(), QFile::encodeName(other).constData()) == 0);
         const QByteArray native = QFile::encodeName(file);
         const bool attributes = ::setxattr(native.constData(), "user.kvrtb.note", "kept", 4, 0) == 0;
@@ -153,8 +142,8 @@ private slots:
         Control c;
         c.surface().setText(QStringLiteral("final version"));
         QVERIFY2(c.docs().SaveFile(file, 1), qPrintable(c.docs().lastErrorReason()));
-        QCOMPARE(fileBytes(file), QByteArray("final version"));
-        QCOMPARE(fileBytes(other), QByteArray("final version"));
+        QCOMPARE(test::readAll(file), QByteArray("final version"));
+        QCOMPARE(test::readAll(other), QByteArray("final version"));
         QCOMPARE(int(statOf(file).st_nlink), 2);
         QCOMPARE(statOf(file).st_ino, statOf(other).st_ino);
         if (attributes) {
@@ -166,10 +155,10 @@ private slots:
 
         // A file with one name and no attributes is still replaced whole (a new inode).
         const QString single = dir + QStringLiteral("/single.txt");
-        QVERIFY(writeBytes(single, "one"));
+        QVERIFY(test::writeFile(single, "one"));
         const ino_t before = statOf(single).st_ino;
         QVERIFY(c.docs().SaveFile(single, 1));
-        QCOMPARE(fileBytes(single), QByteArray("final version"));
+        QCOMPARE(test::readAll(single), QByteArray("final version"));
         QVERIFY(statOf(single).st_ino != before);
         QCOMPARE(leftovers(dir), QStringList());
     }
@@ -181,17 +170,17 @@ private slots:
         // A writable file in a folder the user may not write: saved in place.
         const QString closed = folder(QStringLiteral("closed"), 0755);
         const QString mine = closed + QStringLiteral("/notes.txt");
-        QVERIFY(writeBytes(mine, "old notes"));
+        QVERIFY(test::writeFile(mine, "old notes"));
         QVERIFY(setOwner(mine, kOwner, kOwner, 0644));
         // A group-writable file of another user in an open folder.
         const QString open = folder(QStringLiteral("open"), 0777);
         const QString shared = open + QStringLiteral("/plan.txt");
-        QVERIFY(writeBytes(shared, "old plan"));
+        QVERIFY(test::writeFile(shared, "old plan"));
         QVERIFY(setOwner(shared, kOwner, kShared, 0664));
         // Another user's writable file in a sticky folder such as /tmp.
         const QString sticky = folder(QStringLiteral("sticky"), 01777);
         const QString theirs = sticky + QStringLiteral("/list.txt");
-        QVERIFY(writeBytes(theirs, "old list"));
+        QVERIFY(test::writeFile(theirs, "old list"));
         QVERIFY(setOwner(theirs, kOwner, kOwner, 0666));
 
         Control c;
@@ -209,7 +198,7 @@ private slots:
         }
         QVERIFY(c.boxes().isEmpty());
         for (const QString &file : {mine, shared, theirs}) {
-            QCOMPARE(fileBytes(file), QByteArray("saved by someone"));
+            QCOMPARE(test::readAll(file), QByteArray("saved by someone"));
             QCOMPARE(statOf(file).st_uid, kOwner);
         }
         QCOMPARE(statOf(shared).st_gid, kShared);
@@ -227,7 +216,7 @@ private slots:
         }
         QCOMPARE(c.boxes().size(), 1);
         QCOMPARE(c.boxes().first().title, QStringLiteral("File is Read-only"));
-        QCOMPARE(fileBytes(shared), QByteArray("saved by someone"));
+        QCOMPARE(test::readAll(shared), QByteArray("saved by someone"));
     }
 
     void fullDiskLeavesTheOldBytes()
@@ -241,8 +230,8 @@ private slots:
         const QString replaced = dir + QStringLiteral("/replaced.txt");
         const QString linked = dir + QStringLiteral("/linked.txt");
         const QString otherName = dir + QStringLiteral("/other-name.txt");
-        QVERIFY(writeBytes(replaced, original));
-        QVERIFY(writeBytes(linked, original));
+        QVERIFY(test::writeFile(replaced, original));
+        QVERIFY(test::writeFile(linked, original));
         QVERIFY(::link(QFile::encodeName(linked).constData(), QFile::encodeName(otherName).constData()) == 0);
 
         Control c;
@@ -252,9 +241,9 @@ private slots:
             QVERIFY(!c.docs().SaveFile(file, 1));
             QCOMPARE(c.docs().lastError(), FileError::DiskFull);
             QCOMPARE(c.boxes().last().title, QStringLiteral("File Access Error 61"));
-            QCOMPARE(fileBytes(file), original);
+            QCOMPARE(test::readAll(file), original);
         }
-        QCOMPARE(fileBytes(otherName), original);
+        QCOMPARE(test::readAll(otherName), original);
         QVERIFY(c.docs().lastErrorReason().endsWith(QLatin1String("the file keeps its previous content")));
         QCOMPARE(leftovers(dir), QStringList());
         QCOMPARE(leftovers(QDir::tempPath()).filter(QStringLiteral("linked")), QStringList());
@@ -262,7 +251,7 @@ private slots:
         // What fits is written, in place, to both names.
         c.surface().setText(QString(23000, QLatin1Char('s')));
         QVERIFY2(c.docs().SaveFile(linked, 1), qPrintable(c.docs().lastErrorReason()));
-        QCOMPARE(fileBytes(otherName), QByteArray(23000, 's'));
+        QCOMPARE(test::readAll(otherName), QByteArray(23000, 's'));
         QCOMPARE(leftovers(dir), QStringList());
     }
 };

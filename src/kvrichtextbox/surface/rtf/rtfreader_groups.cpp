@@ -36,8 +36,10 @@ void Reader::closeGroup()
     const GroupState closing = m_stack.back();
     m_stack.pop_back();
     finishDestination(closing);
-    if (m_started && m_stack.size() == 1)
+    if (m_started && m_stack.size() == 1) {
         m_finished = true;
+        m_documentPara = closing.para;
+    }
 }
 
 void Reader::controlWord(Word word, std::string_view name, bool hasParam, int param)

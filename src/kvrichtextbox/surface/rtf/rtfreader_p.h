@@ -365,6 +365,7 @@ private:
     QHash<int, QString> m_noteAuthors;
 
     QString m_shapeProperty; // the name of the shape property being read
+    bool m_shapePicture = false; // the shape being read is a picture frame
 
     // groups kept to be written back (rtfkept.h)
     QByteArray m_keptDocument;
@@ -376,6 +377,7 @@ private:
     bool m_paragraphHasContent = false;
     int m_parCount = 0;
     bool m_lastWasPar = false;
+    ParaState m_documentPara; // the paragraph properties in effect when the document's group closed
     bool m_pageBreakPending = false; // the paragraph being read starts a new page
     void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a

@@ -21,7 +21,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"field", Word::Field}, {"fldinst", Word::FldInst}, {"fldrslt", Word::FldRslt},
         {"pict", Word::Pict}, {"shppict", Word::ShpPict}, {"nonshppict", Word::NonShpPict},
         {"object", Word::Object}, {"result", Word::Result}, {"pntext", Word::PnText},
-        {"listtext", Word::ListText}, {"pn", Word::PnDest}, {"pntxta", Word::PnTxtA},
+        {"listtext", Word::ListText}, {"pn", Word::PnDest}, {"kvpn", Word::PnDest}, {"pntxta", Word::PnTxtA},
         {"pntxtb", Word::PnTxtB}, {"listtable", Word::ListTable}, {"list", Word::ListDest},
         {"listlevel", Word::ListLevel}, {"leveltext", Word::LevelText},
         {"listoverridetable", Word::ListOverrideTable}, {"listoverride", Word::ListOverride},
@@ -118,6 +118,8 @@ void Reader::run(const QByteArray &bytes)
         const GroupState closing = m_stack.back();
         m_stack.pop_back();
         finishDestination(closing);
+        if (m_stack.size() == 1)
+            m_documentPara = closing.para;
     }
     if (m_table)
         leaveTable();
@@ -133,7 +135,9 @@ void Reader::run(const QByteArray &bytes)
             m_cursor.mergeBlockFormat(format);
         }
     } else {
-        applyParagraph(top().para);
+        // A last paragraph with text has the properties in effect at the document's end, which
+        // the document's own group held.
+        applyParagraph(m_started && m_stack.size() == 1 && m_paragraphHasContent ? m_documentPara : top().para);
     }
     insertPendingNotes();
     if (m_endsDocument && !m_keptDocument.isEmpty()) {

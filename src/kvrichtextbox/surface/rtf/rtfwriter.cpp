@@ -431,15 +431,21 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
     if (*p.numbering != Numbering::None) {
         const Numbering numbering = *p.numbering;
         const NumberingStyle style = *p.numberingStyle;
-        // The list table for word processors, and the paragraph numbering of older readers,
-        // which also carries what the list table cannot say (our reader takes it over the list
-        // table's level).
+        // The list table for word processors, the number as text for readers without lists,
+        // and, in a group of our own, paragraph numbering words that say what the list table
+        // cannot (our reader takes them over the list table's level; other readers would let
+        // plain \pn paragraph numbering replace the list).
+        // Paragraphs without a number of their own (continuations) are no list items to others.
         const QTextList *list = block.textList();
         const int level = std::clamp(list->format().indent() - 1, 0, 8);
-        word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level));
-        if (level)
-            word("ilvl", level);
-        m_out += "{\\*\\pn";
+        const QTextBlock previous = block.previous();
+        const bool followsList = previous.isValid() && previous.textList();
+        if (style != NumberingStyle::NoNumber) {
+            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList));
+            if (level)
+                word("ilvl", level);
+        }
+        m_out += "{\\*\\kvpn";
         m_out += numbering == Numbering::Bullet ? "\\pnlvlblt" : "\\pnlvlbody";
         if (style == NumberingStyle::NoNumber)
             m_out += "\\pnlvlcont";

@@ -226,6 +226,7 @@ private slots:
     void pageBreaksAreKept();
     void groupsNotShownAreWrittenBack();
     void listsAreWrittenAsAListTable();
+    void rightToLeftTextKeepsItsProperties();
     void linksPicturesTablesAndLists();
     void selectionWriteAndInsert();
     void tablesKeepWidthsAndMergedCells();
@@ -641,6 +642,31 @@ void TestRtf::listsAreWrittenAsAListTable()
         if (form != numberingOnly)
             QCOMPARE(signature(back), signature(doc));
     }
+}
+
+void TestRtf::rightToLeftTextKeepsItsProperties()
+{
+    const QByteArray source =
+        "{\\rtf1\\ansi\\ansicpg1255{\\fonttbl{\\f0 Arial;}{\\f1\\fcharset177 David;}}"
+        "\\pard\\rtlpar\\qr{\\rtlch\\fcs1\\ab\\ai0\\af1\\afs32\\ltrch\\fcs0\\hich\\af0\\f0\\fs20 \\'f9\\'ec\\'e5\\'ed, world}\\par"
+        "\\pard\\ltrpar plain {\\b\\ab0 bold \\'e0}\\par}";
+    QTextDocument doc;
+    QVERIFY(rtf::readRtf(doc, source).ok);
+    QCOMPARE(doc.toPlainText(), QString::fromUtf8("\u05e9\u05dc\u05d5\u05dd, world\nplain bold \u05d0"));
+    const QString expected = signature(doc);
+    QVERIFY2(expected.contains(QStringLiteral("@0 b1 i0 u0 s0 p0 l0 c0 bcffffffff f'David' 16pt")), qPrintable(expected));
+    QVERIFY2(expected.contains(QStringLiteral("@6 b0 i0 u0 s0 p0 l0 c0 bcffffffff f'Arial' 10pt")), qPrintable(expected));
+    QVERIFY2(expected.contains(QStringLiteral("@11 b0")), qPrintable(expected)); // the Hebrew letter after "bold "
+    QCOMPARE(doc.begin().blockFormat().layoutDirection(), Qt::RightToLeft);
+    QCOMPARE(doc.lastBlock().blockFormat().layoutDirection(), Qt::LayoutDirectionAuto);
+    const QByteArray written = rtf::writeRtf(doc);
+    QVERIFY(written.contains("\\rtlpar"));
+    QVERIFY(written.contains("\\ab\\ai0\\af"));
+    QTextDocument back;
+    QVERIFY(rtf::readRtf(back, written).ok);
+    QCOMPARE(signature(back), expected);
+    QCOMPARE(back.begin().blockFormat().layoutDirection(), Qt::RightToLeft);
+    QCOMPARE(rtf::writeRtf(back), written);
 }
 
 void TestRtf::linksPicturesTablesAndLists()

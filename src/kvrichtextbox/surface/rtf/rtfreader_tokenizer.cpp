@@ -68,7 +68,9 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"cf", Word::Cf}, {"cb", Word::Cb}, {"highlight", Word::Highlight}, {"chcbpat", Word::ChCbPat},
         {"fs", Word::Fs}, {"super", Word::Super}, {"sub", Word::Sub}, {"nosupersub", Word::NoSuperSub},
         {"up", Word::Up}, {"dn", Word::Dn}, {"protect", Word::Protect}, {"lang", Word::Lang},
-        {"v", Word::V}, {"kvoffset", Word::KvOffset},
+        {"v", Word::V}, {"kvoffset", Word::KvOffset}, {"ab", Word::Ab}, {"ai", Word::Ai}, {"af", Word::Af},
+        {"afs", Word::Afs}, {"rtlch", Word::RtlCh}, {"ltrch", Word::LtrCh}, {"hich", Word::HiCh},
+        {"dbch", Word::DbCh}, {"loch", Word::LoCh}, {"rtlpar", Word::RtlPar}, {"ltrpar", Word::LtrPar},
         // paragraphs
         {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft},
         {"clmgf", Word::ClMgf}, {"clmrg", Word::ClMrg}, {"clvmgf", Word::ClVmgf}, {"clvmrg", Word::ClVmrg}, {"ql", Word::Ql}, {"qc", Word::Qc}, {"qr", Word::Qr}, {"qj", Word::Qj},

@@ -18,6 +18,7 @@
 #include <QSet>
 #include <QUrl>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -389,6 +390,8 @@ void Writer::writeNote(int noteId)
 void Writer::writeParagraphProperties(const QTextBlock &block)
 {
     const ParaFormat p = format::readPara(block);
+    if (block.blockFormat().layoutDirection() == Qt::RightToLeft)
+        word("rtlpar");
     switch (*p.alignment) {
     case ParaAlignment::Center: word("qc"); break;
     case ParaAlignment::Right: word("qr"); break;
@@ -562,17 +565,39 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "\"}{\\fldrslt";
             m_needSpace = true;
         }
-        writeCharProps(qt);
         if (qt.isImageFormat()) {
+            writeCharProps(qt);
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
             continue;
+        }
+        // Right-to-left text: in a group of its own that gives the same properties as the
+        // complex-script ones, which word processors apply to such text.
+        const bool rtl = std::any_of(value.cbegin(), value.cend(), [](QChar c) {
+            return c.direction() == QChar::DirR || c.direction() == QChar::DirAL;
+        });
+        const RunProps outside = m_props;
+        if (rtl) {
+            m_out += "{\\rtlch";
+            m_needSpace = true;
+        }
+        writeCharProps(qt);
+        if (rtl) {
+            m_props.bold ? word("ab") : word("ab", 0);
+            m_props.italic ? word("ai") : word("ai", 0);
+            word("af", m_props.font);
+            word("afs", m_props.halfPoints);
         }
         const int noteId = m_notes.isEmpty() ? 0 : qt.intProperty(NoteIdProperty);
         if (noteId && m_notes.contains(noteId) && qt.boolProperty(NoteMarkProperty))
             writeNoteMark(noteId, qt);
         else
             writeFragmentText(value);
+        if (rtl) {
+            m_out += '}';
+            m_needSpace = false;
+            m_props = outside;
+        }
         if (noteId && !m_inNote && m_notes.contains(noteId) && !m_notesWritten.contains(noteId))
             writeNote(noteId);
     }

@@ -442,18 +442,26 @@ void TestRtf::codePagesKeepEveryCharacter()
     }
 }
 
+// What \a view says of each paragraph, joined by \a separator.
+template<typename View>
+QString blocksView(const QTextDocument &doc, QChar separator, View view)
+{
+    QStringList out;
+    for (QTextBlock block = doc.begin(); block.isValid(); block = block.next())
+        out << view(block);
+    return out.join(separator);
+}
+
 // Each paragraph's text, with "N<kind>/<id>: " before the paragraphs of notes.
 QString notesView(const QTextDocument &doc)
 {
-    QStringList out;
-    for (QTextBlock block = doc.begin(); block.isValid(); block = block.next()) {
+    return blocksView(doc, QLatin1Char('|'), [](const QTextBlock &block) {
         const QTextBlockFormat f = block.blockFormat();
-        out << (f.hasProperty(rtf::NoteKindProperty)
+        return (f.hasProperty(rtf::NoteKindProperty)
                     ? QStringLiteral("N%1/%2: ").arg(f.intProperty(rtf::NoteKindProperty)).arg(f.intProperty(rtf::NoteIdProperty))
                     : QString())
-                   + block.text();
-    }
-    return out.join(QLatin1Char('|'));
+               + block.text();
+    });
 }
 
 void TestRtf::notesAreShownAndWrittenBack()
@@ -535,11 +543,10 @@ void TestRtf::shapesShowTextAndPictures()
 // The paragraphs' texts, "^" before those that start a new page.
 QString pagesView(const QTextDocument &doc)
 {
-    QStringList out;
-    for (QTextBlock block = doc.begin(); block.isValid(); block = block.next())
-        out << (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore ? QStringLiteral("^") : QString())
-                   + block.text();
-    return out.join(QLatin1Char('|'));
+    return blocksView(doc, QLatin1Char('|'), [](const QTextBlock &block) {
+        return (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore ? QStringLiteral("^") : QString())
+               + block.text();
+    });
 }
 
 void TestRtf::pageBreaksAreKept()
@@ -601,12 +608,10 @@ void TestRtf::groupsNotShownAreWrittenBack()
 // Each paragraph's list level and number as shown ("-" outside lists).
 QString listsView(const QTextDocument &doc)
 {
-    QStringList out;
-    for (QTextBlock block = doc.begin(); block.isValid(); block = block.next()) {
+    return blocksView(doc, QLatin1Char(' '), [](const QTextBlock &block) {
         const QTextList *list = block.textList();
-        out << (list ? QStringLiteral("%1:%2").arg(list->format().indent()).arg(list->itemText(block)) : QStringLiteral("-"));
-    }
-    return out.join(QLatin1Char(' '));
+        return list ? QStringLiteral("%1:%2").arg(list->format().indent()).arg(list->itemText(block)) : QStringLiteral("-");
+    });
 }
 
 void TestRtf::listsAreWrittenAsAListTable()

@@ -90,8 +90,12 @@ QByteArray ListTableBuilder::tables() const
     QByteArray out = "{\\*\\listtable";
     for (size_t i = 0; i < m_entries.size(); ++i) {
         const Entry &entry = m_entries[i];
-        out += "\n{\\list\\listtemplateid" + QByteArray::number(int(i) + 1) + "\\listsimple0";
-        for (int level = 0; level < 9; ++level) {
+        // Levels up to the deepest one used (a list of one level is "simple").
+        int levels = 9;
+        while (levels > 1 && !entry.levels[levels - 1].set)
+            --levels;
+        out += "\n{\\list\\listtemplateid" + QByteArray::number(int(i) + 1) + (levels == 1 ? "\\listsimple1" : "\\listsimple0");
+        for (int level = 0; level < levels; ++level) {
             // Levels no list uses are numbered 1., 2., ... as word processors do.
             const Level &own = entry.levels[level];
             const Numbering numbering = own.numbering;

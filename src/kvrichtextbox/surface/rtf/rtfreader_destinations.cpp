@@ -155,15 +155,10 @@ void Reader::finishDestination(const GroupState &closing)
         m_destText.clear();
         break;
     case Dest::ShapeName:
-        m_shapeProperty = m_destText.trimmed();
-        m_destText.clear();
-        break;
     case Dest::AtnId:
-        m_atnId = m_destText.trimmed();
-        m_destText.clear();
-        break;
     case Dest::AtnAuthor:
-        m_atnAuthor = m_destText.trimmed();
+        (closing.dest == Dest::ShapeName ? m_shapeProperty : closing.dest == Dest::AtnId ? m_atnId : m_atnAuthor) =
+            m_destText.trimmed();
         m_destText.clear();
         break;
     case Dest::ListLevel:

@@ -7,9 +7,15 @@
 #include "editing/specialundo.h"
 #include "editorinput/editorinput.h"
 #include "findreplace/findreplace.h"
+#include "fonts/fontselection.h"
+#include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
 #include "spelling/misspellings.h"
+#include "printing/printing.h"
+#include "ruler/ruler.h"
+#include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
+#include "syntax/syntax.h"
 
 #include <QWidget>
 
@@ -29,6 +35,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_syntax = std::make_unique<Syntax>(*this);
     m_editorInput = std::make_unique<EditorInput>(*this);
     // A load forgets the control's mark of an undo snapshot, and the ruler follows the caret
     // after it through the one ruler hook.
@@ -36,6 +43,11 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_documents->setRulerRefresher([this] { refreshRuler(); });
     m_misspellings = std::make_unique<Misspellings>(*this);
     m_findReplace = std::make_unique<FindReplace>(*this);
+    m_fontSelection = std::make_unique<FontSelection>(*this);
+    m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
+    m_ruler = std::make_unique<Ruler>(*this);
+    m_printing = std::make_unique<Printing>(*this);
+    m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
 }
 
 ControlCore::~ControlCore() = default;
@@ -49,6 +61,12 @@ void ControlCore::lockWindowUpdate(bool lock)
         m_surface->freeze();
     else
         m_surface->unfreeze();
+}
+
+void ControlCore::refreshRuler()
+{
+    if (m_ruler) // not while the core is being built
+        m_ruler->refresh();
 }
 
 void ControlCore::setProgress(int percent)

@@ -4,13 +4,16 @@
 
 #include <QFont>
 #include <QList>
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class QPagedPaintDevice;
+class QPainter;
 class QWidget;
 
 namespace kvrtb {
@@ -101,6 +104,26 @@ enum class WrapMode {
 enum class MousePointer { Default = 0, Arrow = 1, Cross = 2, IBeam = 3, SizeAll = 5, SizeNESW = 6,
                           SizeNS = 7, SizeNWSE = 8, SizeWE = 9, UpArrow = 10, Hourglass = 11,
                           NoDrop = 12, ArrowHourglass = 13, ArrowQuestion = 14, Hand = 99 };
+
+/// \brief One printed page as `renderPages` hands it to the caller's decoration. Rectangles are
+/// in the device's pixels, from the paper's top-left corner.
+struct PageFrame {
+    int page = 1;       ///< 1-based number of the page within the printed text
+    int pageCount = 1;  ///< pages the printed text has in all
+    QRectF paper;       ///< the whole sheet
+    QRectF body;        ///< where the text goes: the paper less the margins
+};
+
+/// \brief How `renderPages` lays the document out on pages.
+struct PageRenderRequest {
+    QMargins marginsTwips;   ///< left, top, right, bottom: from the paper's edges to the text
+    bool selectionOnly = false; ///< only the selected text (the whole document when nothing is)
+    int fromPage = 0;        ///< first page to render (1-based); 0 = from the first
+    int toPage = 0;          ///< last page to render; 0 = to the last
+    /// Called for each page after its text is drawn, with the painter in paper coordinates:
+    /// draws headings, page numbers and the like in the margins. May be empty.
+    std::function<void(QPainter &painter, const PageFrame &frame)> decorate;
+};
 
 /// Kinds of document file the surface reads and writes itself.
 enum class SurfaceFileType { Rtf = 0, Text = 1 };
@@ -197,6 +220,15 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief A same-length rewrite: the characters from `start` become those of `text`.
+    struct TextRewrite {
+        int start = 0;
+        QString text;
+    };
+    /// Replaces characters one for one (a case change, say), each new character keeping the
+    /// format of the one it replaces; paragraph breaks inside a range stay as they are. The
+    /// whole list is one edit, like `applyCharFormats`; the selection does not move.
+    virtual void rewriteCharacters(const QList<TextRewrite> &rewrites) = 0;
     /// \brief One replacement of a batch: [start, start + length) becomes `text`.
     struct TextReplacement {
         int start = 0;
@@ -213,6 +245,8 @@ public:
     // --- Paragraph format -------------------------------------------------------------------
     /// The format of the paragraphs the selection touches (mixed attributes empty).
     virtual ParaFormat selectionParaFormat() const = 0;
+    /// The format of the one paragraph that holds \a position (clamped); nothing is mixed.
+    virtual ParaFormat paraFormatAt(int position) const = 0;
     virtual void setSelectionParaFormat(const ParaFormat &format) = 0;
 
     // --- Find -------------------------------------------------------------------------------
@@ -234,8 +268,15 @@ public:
     virtual void scrollLines(int lines, int columns = 0) = 0;
     /// The formatting rectangle in viewport pixels (left, top, right, bottom).
     virtual QRect formattingRect() const = 0;
+    /// Where a paragraph without indent starts, in pixels from the left edge of `widget()`
+    /// (its frame, the text margin and horizontal scrolling accounted for).
+    virtual int textOriginX() const = 0;
     /// The position nearest to a viewport pixel point.
     virtual int charFromPoint(const QPoint &point) const = 0;
+    /// Scrolls so that the display line holding \a position is the first one visible (as far
+    /// as the view can scroll). Lays the document out only down to that line, so it stays quick
+    /// right after a change of the whole document's format.
+    virtual void scrollToPosition(int position) = 0;
     /// Vertical scroll offset in pixels, and setting it back.
     virtual int scrollOffset() const = 0;
     virtual void setScrollOffset(int pixels) = 0;
@@ -261,6 +302,13 @@ public:
     /// every call gives a new number.
     virtual quint64 revision() const = 0;
     virtual void setModified(bool modified) = 0;
+    /// A number that grows with every change of the document by at least as many characters
+    /// as the change may have added to `rtf()`: between two readings, `rtf()` cannot have
+    /// grown by more than their difference, so a caller that measured the RTF once can bound
+    /// its length later without writing it again. Changes it cannot bound (pictures, long
+    /// insertions, the default font, anything while frozen) add `kUnboundedRtfGrowth`.
+    virtual quint64 rtfGrowthAllowance() const = 0;
+    static constexpr quint64 kUnboundedRtfGrowth = quint64(1) << 40;
     /// True when `undo` would change the document.
     virtual bool canUndo() const = 0;
     /// Undoes the last edit; called again right after, it redoes it (one toggling step).
@@ -309,12 +357,23 @@ public:
     virtual void setToolTip(const QString &tip) = 0;
     virtual void setFocus() = 0;
     virtual void refresh() = 0;
-    /// The native window id of the editor.
+    /// The native window id of the editor, 0 while it has none. Reading it never creates one
+    /// (child widgets are drawn in their top-level window until something asks for a native
+    /// window of their own, e.g. `QWidget::winId()` called by the host).
     virtual quintptr windowHandle() const = 0;
     /// The editor widget, for placing it in the control's layout.
     virtual QWidget *widget() const = 0;
     /// Renders the document onto a paged device (printing and print preview).
     virtual void print(QPagedPaintDevice *device) const = 0;
+    /// \brief Lays the document (or the selection) out on the pages of \a device and draws them.
+    ///
+    /// The device is switched to full-page mode with no margins of its own; the request's
+    /// margins place the text. Fonts, colours, indents, tab stops, lists, tables and pictures
+    /// print as the editor shows them, scaled to the device's resolution. Returns the number of
+    /// pages drawn, or -1 with a reason in \a error when the device cannot be painted on (an
+    /// output file that cannot be written, margins that leave no room for text).
+    virtual int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
+                            QString *error = nullptr) const = 0;
 
     // --- Events -----------------------------------------------------------------------------
     /// The listener that receives the surface's events; not owned; nullptr for none.

@@ -199,6 +199,8 @@ namespace {
 
 bool isRightToLeft(QChar c)
 {
+    if (c.unicode() < 0x0590) // below Hebrew, every letter is left-to-right
+        return false;
     const QChar::Direction direction = c.direction();
     return direction == QChar::DirR || direction == QChar::DirAL;
 }

@@ -313,6 +313,10 @@ void Writer::writePicture(const QTextImageFormat &image)
 
 void Writer::collectNotes()
 {
+    // Most documents have none: their formats tell at once.
+    const QList<QTextFormat> formats = m_doc.allFormats();
+    if (std::none_of(formats.cbegin(), formats.cend(), [](const QTextFormat &f) { return f.hasProperty(NoteKindProperty); }))
+        return;
     // Notes follow their references' paragraphs: those of the range, and those just after it.
     QHash<int, std::vector<QTextBlock>> notes;
     const QTextBlock first = m_doc.findBlock(m_start);
@@ -506,13 +510,14 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     const int rangeStart = m_inNote ? blockStart : m_start;
     const int rangeEnd = m_inNote ? blockEnd + 1 : m_end;
     const bool inTable = !m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart));
-    if (!inTable && !m_inNote && (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
+    const QTextBlockFormat blockFormat = block.blockFormat();
+    if (!inTable && !m_inNote && (blockFormat.pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
         word("page");
     word("pard");
     if (inTable)
         word("intbl");
     writeParagraphProperties(block);
-    const QByteArray kept = block.blockFormat().property(KeptParagraphGroups).toByteArray();
+    const QByteArray kept = blockFormat.property(KeptParagraphGroups).toByteArray();
     if (!kept.isEmpty() && !m_keptWritten.contains(kept)) {
         m_keptWritten.insert(kept);
         m_out += kept;
@@ -574,7 +579,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         // Right-to-left text: in a group of its own that gives the same properties as the
         // complex-script ones, which word processors apply to such text.
         const bool rtl = std::any_of(value.cbegin(), value.cend(), [](QChar c) {
-            return c.direction() == QChar::DirR || c.direction() == QChar::DirAL;
+            return c.unicode() >= 0x0590 && (c.direction() == QChar::DirR || c.direction() == QChar::DirAL);
         });
         const RunProps outside = m_props;
         if (rtl) {

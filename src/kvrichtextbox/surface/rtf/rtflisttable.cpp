@@ -32,15 +32,22 @@ QByteArray hexByte(int value)
 
 } // namespace
 
-int ListTableBuilder::overrideOf(const QTextList *list, Numbering numbering, int start, NumberingStyle style, int level)
+int ListTableBuilder::overrideOf(const QTextList *list, Numbering numbering, int start, NumberingStyle style, int level,
+                                 bool followsList)
 {
     const auto found = m_index.constFind(list);
-    if (found != m_index.constEnd())
-        return found.value() + 1;
-    m_entries.push_back(Entry{numbering, start, style, std::clamp(level, 0, 8)});
-    const int index = int(m_entries.size()) - 1;
-    m_index.insert(list, index);
-    return index + 1;
+    if (found != m_index.constEnd()) {
+        m_last = found.value();
+        return m_last + 1;
+    }
+    level = std::clamp(level, 0, 8);
+    if (!followsList || m_last < 0 || m_entries[size_t(m_last)].levels[level].set) {
+        m_entries.emplace_back();
+        m_last = int(m_entries.size()) - 1;
+    }
+    m_entries[size_t(m_last)].levels[level] = Level{true, numbering, start, style};
+    m_index.insert(list, m_last);
+    return m_last + 1;
 }
 
 QByteArray ListTableBuilder::levelText(Numbering numbering, NumberingStyle style, int level)
@@ -83,17 +90,21 @@ QByteArray ListTableBuilder::tables() const
     QByteArray out = "{\\*\\listtable";
     for (size_t i = 0; i < m_entries.size(); ++i) {
         const Entry &entry = m_entries[i];
-        out += "\n{\\list\\listtemplateid" + QByteArray::number(int(i) + 1) + "\\listsimple0";
-        for (int level = 0; level < 9; ++level) {
-            // Levels other than the list's own are numbered 1., 2., ... as word processors do.
-            const bool own = level == entry.level;
-            const Numbering numbering = own ? entry.numbering : Numbering::Arabic;
-            const NumberingStyle style = own ? entry.style : NumberingStyle::Period;
+        // Levels up to the deepest one used (a list of one level is "simple").
+        int levels = 9;
+        while (levels > 1 && !entry.levels[levels - 1].set)
+            --levels;
+        out += "\n{\\list\\listtemplateid" + QByteArray::number(int(i) + 1) + (levels == 1 ? "\\listsimple1" : "\\listsimple0");
+        for (int level = 0; level < levels; ++level) {
+            // Levels no list uses are numbered 1., 2., ... as word processors do.
+            const Level &own = entry.levels[level];
+            const Numbering numbering = own.numbering;
+            const NumberingStyle style = own.style;
             const QByteArray nfc = QByteArray::number(nfcOf(numbering, style));
             const QByteArray text = levelText(numbering, style, level);
             const bool hasNumber = numbering != Numbering::Bullet && style != NumberingStyle::NoNumber;
             out += "{\\listlevel\\levelnfc" + nfc + "\\levelnfcn" + nfc + "\\leveljc0\\levelfollow0\\levelstartat"
-                   + QByteArray::number(own ? entry.start : 1) + "{\\leveltext" + text + ";}{\\levelnumbers"
+                   + QByteArray::number(own.start) + "{\\leveltext" + text + ";}{\\levelnumbers"
                    + (hasNumber ? hexByte(style == NumberingStyle::Parens ? 2 : 1) : QByteArray()) + ";}\\fi-360\\li"
                    + QByteArray::number(720 * (level + 1)) + '}';
         }

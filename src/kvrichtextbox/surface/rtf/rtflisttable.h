@@ -14,13 +14,17 @@ namespace kvrtb::rtf {
 /// \brief Gathers the lists of the paragraphs the writer writes and gives the RTF list table
 /// and list override table that describe them.
 ///
-/// Each list of the document becomes one RTF list (and one override, its \ls number) whose
-/// level at the list's depth has the list's numbering, start number and punctuation, so that
-/// word processors keep the levels, letter and roman styles, bullets and start numbers.
+/// The lists of one nested list (a list and the lists at other depths whose paragraphs follow
+/// its paragraphs) become one RTF list with one override (its \ls number); each level has the
+/// numbering, start number and punctuation of the list at that depth, so that word processors
+/// keep the levels, letter and roman styles, bullets and start numbers.
 class ListTableBuilder {
 public:
-    /// The \ls number of \a list, which is numbered as given and sits at \a level (0 to 8).
-    int overrideOf(const QTextList *list, Numbering numbering, int start, NumberingStyle style, int level);
+    /// The \ls number of \a list, which is numbered as given and sits at \a level (0 to 8);
+    /// \a followsList tells that the paragraph before was a list paragraph, whose nested list
+    /// this list joins when that one has no list at this level yet.
+    int overrideOf(const QTextList *list, Numbering numbering, int start, NumberingStyle style, int level,
+                   bool followsList);
 
     /// The "{\*\listtable ...}{\*\listoverridetable ...}" groups, or nothing when no list was
     /// asked for.
@@ -30,14 +34,18 @@ public:
     static QByteArray levelText(Numbering numbering, NumberingStyle style, int level);
 
 private:
+    struct Level {
+        bool set = false;
+        Numbering numbering = Numbering::Arabic;
+        int start = 1;
+        NumberingStyle style = NumberingStyle::Period;
+    };
     struct Entry {
-        Numbering numbering;
-        int start;
-        NumberingStyle style;
-        int level;
+        Level levels[9];
     };
     QHash<const QTextList *, int> m_index; // list -> position in m_entries
     std::vector<Entry> m_entries;
+    int m_last = -1; // the entry of the last list asked for
 };
 
 } // namespace kvrtb::rtf

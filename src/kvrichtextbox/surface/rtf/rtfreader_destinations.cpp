@@ -155,15 +155,10 @@ void Reader::finishDestination(const GroupState &closing)
         m_destText.clear();
         break;
     case Dest::ShapeName:
-        m_shapeProperty = m_destText.trimmed();
-        m_destText.clear();
-        break;
     case Dest::AtnId:
-        m_atnId = m_destText.trimmed();
-        m_destText.clear();
-        break;
     case Dest::AtnAuthor:
-        m_atnAuthor = m_destText.trimmed();
+        (closing.dest == Dest::ShapeName ? m_shapeProperty : closing.dest == Dest::AtnId ? m_atnId : m_atnAuthor) =
+            m_destText.trimmed();
         m_destText.clear();
         break;
     case Dest::ListLevel:
@@ -340,8 +335,10 @@ void Reader::handleDestinationWord(Word word)
     case Word::AtnAuthor: open(Dest::AtnAuthor); break;
     // Shapes: the text of a text box and the picture that fills a shape are shown inline, where
     // the shape is anchored; other properties, and the result written for readers that do not
-    // know shapes, are not.
+    // know shapes, are not. A picture frame shows its picture only.
     case Word::ShpInst:
+        m_shapePicture = false;
+        [[fallthrough]];
     case Word::Sp:
         flushText();
         if (state.dest == Dest::Text || state.dest == Dest::Ignore)
@@ -350,12 +347,16 @@ void Reader::handleDestinationWord(Word word)
     case Word::Sn: open(Dest::ShapeName); break;
     case Word::Sv:
         flushText();
-        state.dest = m_shapeProperty == QLatin1String("pib") && state.dest == Dest::Ignore ? Dest::Ignore : Dest::Skip;
+        if (m_shapeProperty == QLatin1String("pib") && state.dest == Dest::Ignore) {
+            m_shapePicture = true;
+        } else {
+            state.dest = Dest::Skip;
+        }
         break;
     case Word::ShpTxt:
         flushText();
         if (state.dest == Dest::Ignore)
-            state.dest = Dest::Text;
+            state.dest = m_shapePicture ? Dest::Skip : Dest::Text;
         break;
     case Word::SkipDest:
         skipAndKeep(state);

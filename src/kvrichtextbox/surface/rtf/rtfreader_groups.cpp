@@ -36,8 +36,10 @@ void Reader::closeGroup()
     const GroupState closing = m_stack.back();
     m_stack.pop_back();
     finishDestination(closing);
-    if (m_started && m_stack.size() == 1)
+    if (m_started && m_stack.size() == 1) {
         m_finished = true;
+        m_documentPara = closing.para;
+    }
 }
 
 void Reader::controlWord(Word word, std::string_view name, bool hasParam, int param)
@@ -171,6 +173,17 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Protect: ch.protect = value != 0; break;
     case Word::Lang: ch.lang = std::max(0, param); break;
     case Word::V: break; // hidden text is kept as text, as other readers show it in their text
+    case Word::Ab: ch.aBold = value != 0; break;
+    case Word::Ai: ch.aItalic = value != 0; break;
+    case Word::Af: if (!ch.afForRanges) ch.aFont = param; break;
+    case Word::Afs: ch.aHalfPoints = hasParam && param > 0 ? std::min(param, 3276) : 24; break;
+    case Word::RtlCh:
+    case Word::LtrCh: ch.afForRanges = 0; break;
+    case Word::HiCh:
+    case Word::DbCh:
+    case Word::LoCh: ch.afForRanges = 1; break;
+    case Word::RtlPar: para.rtl = true; break;
+    case Word::LtrPar: para.rtl = false; break;
 
     case Word::Pard:
         para = ParaState();

@@ -74,6 +74,7 @@ enum class Word : quint16 {
     // characters
     Plain, B, I, Ul, UlD, UlDash, UlDashD, UlDashDD, UlWave, UlNone, Strike, StrikeD, Cf, Cb,
     Highlight, ChCbPat, Fs, Super, Sub, NoSuperSub, Up, Dn, Protect, Lang, V, KvOffset,
+    Ab, Ai, Af, Afs, RtlCh, LtrCh, HiCh, DbCh, LoCh, RtlPar, LtrPar,
     // paragraphs
     Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
@@ -108,6 +109,13 @@ struct CharState {
     qint32 link = -1;      // index of the hyperlink field the text belongs to
     qint32 noteId = 0;     // the note this reference or note mark belongs to
     qint32 noteMark = 0;   // an automatically numbered note reference or mark
+    // Properties of right-to-left and complex-script text (\ab, \ai, \af, \afs), -1 or 0
+    // when not given; they apply to the right-to-left letters of the text.
+    qint32 aBold = -1;
+    qint32 aItalic = -1;
+    qint32 aFont = -1;
+    qint32 aHalfPoints = 0;
+    qint32 afForRanges = 0; // \af follows \hich, \dbch or \loch: a font of a character range
 
     bool operator==(const CharState &o) const { return std::memcmp(this, &o, sizeof(CharState)) == 0; }
     bool operator!=(const CharState &o) const { return !(*this == o); }
@@ -143,6 +151,7 @@ struct ParaState {
     qint32 bulletIndent = 0;
     bool intbl = false;
     bool pageBreakBefore = false; // \pagebb
+    bool rtl = false;             // \rtlpar
     qint32 ls = 0;
     qint32 ilvl = 0;
     PnState pn;
@@ -365,6 +374,7 @@ private:
     QHash<int, QString> m_noteAuthors;
 
     QString m_shapeProperty; // the name of the shape property being read
+    bool m_shapePicture = false; // the shape being read is a picture frame
 
     // groups kept to be written back (rtfkept.h)
     QByteArray m_keptDocument;
@@ -376,6 +386,7 @@ private:
     bool m_paragraphHasContent = false;
     int m_parCount = 0;
     bool m_lastWasPar = false;
+    ParaState m_documentPara; // the paragraph properties in effect when the document's group closed
     bool m_pageBreakPending = false; // the paragraph being read starts a new page
     void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a

@@ -99,6 +99,8 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    if (para.rtl)
+        qt.setLayoutDirection(Qt::RightToLeft);
     if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && !m_table)
         qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
     if (!m_keptParagraph.isEmpty()) {

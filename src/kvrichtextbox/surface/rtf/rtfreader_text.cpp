@@ -195,11 +195,55 @@ QTextCharFormat Reader::formatFor(const CharState &state)
     return qt;
 }
 
+namespace {
+
+bool isRightToLeft(QChar c)
+{
+    if (c.unicode() < 0x0590) // below Hebrew, every letter is left-to-right
+        return false;
+    const QChar::Direction direction = c.direction();
+    return direction == QChar::DirR || direction == QChar::DirAL;
+}
+
+} // namespace
+
 void Reader::flushRun()
 {
     if (m_run.isEmpty())
         return;
-    m_cursor.insertText(m_run, formatFor(m_runState));
+    const CharState &state = m_runState;
+    if (state.aBold < 0 && state.aItalic < 0 && state.aFont < 0 && state.aHalfPoints == 0) {
+        m_cursor.insertText(m_run, formatFor(state));
+        m_run.clear();
+        return;
+    }
+    // Right-to-left letters take the complex-script properties; the characters without a
+    // direction of their own (spaces, digits, punctuation) go with the letters before them.
+    CharState complex = state;
+    if (state.aBold >= 0)
+        complex.bold = state.aBold;
+    if (state.aItalic >= 0)
+        complex.italic = state.aItalic;
+    if (state.aFont >= 0)
+        complex.font = state.aFont;
+    if (state.aHalfPoints > 0)
+        complex.halfPoints = state.aHalfPoints;
+    const QTextCharFormat plain = formatFor(state);
+    const QTextCharFormat rtl = formatFor(complex);
+    qsizetype start = 0;
+    bool inRtl = false;
+    for (qsizetype i = 0; i <= m_run.size(); ++i) {
+        const bool end = i == m_run.size();
+        const QChar c = end ? QChar() : m_run.at(i);
+        const bool strongRtl = !end && isRightToLeft(c);
+        const bool strongLtr = !end && (c.direction() == QChar::DirL);
+        if (end || (strongRtl && !inRtl) || (strongLtr && inRtl)) {
+            if (i > start)
+                m_cursor.insertText(m_run.mid(start, i - start), inRtl ? rtl : plain);
+            start = i;
+            inRtl = strongRtl || (!strongLtr && inRtl);
+        }
+    }
     m_run.clear();
 }
 

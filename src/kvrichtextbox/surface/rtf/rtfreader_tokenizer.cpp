@@ -21,7 +21,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"field", Word::Field}, {"fldinst", Word::FldInst}, {"fldrslt", Word::FldRslt},
         {"pict", Word::Pict}, {"shppict", Word::ShpPict}, {"nonshppict", Word::NonShpPict},
         {"object", Word::Object}, {"result", Word::Result}, {"pntext", Word::PnText},
-        {"listtext", Word::ListText}, {"pn", Word::PnDest}, {"pntxta", Word::PnTxtA},
+        {"listtext", Word::ListText}, {"pn", Word::PnDest}, {"kvpn", Word::PnDest}, {"pntxta", Word::PnTxtA},
         {"pntxtb", Word::PnTxtB}, {"listtable", Word::ListTable}, {"list", Word::ListDest},
         {"listlevel", Word::ListLevel}, {"leveltext", Word::LevelText},
         {"listoverridetable", Word::ListOverrideTable}, {"listoverride", Word::ListOverride},
@@ -68,7 +68,9 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"cf", Word::Cf}, {"cb", Word::Cb}, {"highlight", Word::Highlight}, {"chcbpat", Word::ChCbPat},
         {"fs", Word::Fs}, {"super", Word::Super}, {"sub", Word::Sub}, {"nosupersub", Word::NoSuperSub},
         {"up", Word::Up}, {"dn", Word::Dn}, {"protect", Word::Protect}, {"lang", Word::Lang},
-        {"v", Word::V}, {"kvoffset", Word::KvOffset},
+        {"v", Word::V}, {"kvoffset", Word::KvOffset}, {"ab", Word::Ab}, {"ai", Word::Ai}, {"af", Word::Af},
+        {"afs", Word::Afs}, {"rtlch", Word::RtlCh}, {"ltrch", Word::LtrCh}, {"hich", Word::HiCh},
+        {"dbch", Word::DbCh}, {"loch", Word::LoCh}, {"rtlpar", Word::RtlPar}, {"ltrpar", Word::LtrPar},
         // paragraphs
         {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft},
         {"clmgf", Word::ClMgf}, {"clmrg", Word::ClMrg}, {"clvmgf", Word::ClVmgf}, {"clvmrg", Word::ClVmrg}, {"ql", Word::Ql}, {"qc", Word::Qc}, {"qr", Word::Qr}, {"qj", Word::Qj},
@@ -118,6 +120,8 @@ void Reader::run(const QByteArray &bytes)
         const GroupState closing = m_stack.back();
         m_stack.pop_back();
         finishDestination(closing);
+        if (m_stack.size() == 1)
+            m_documentPara = closing.para;
     }
     if (m_table)
         leaveTable();
@@ -133,7 +137,9 @@ void Reader::run(const QByteArray &bytes)
             m_cursor.mergeBlockFormat(format);
         }
     } else {
-        applyParagraph(top().para);
+        // A last paragraph with text has the properties in effect at the document's end, which
+        // the document's own group held.
+        applyParagraph(m_started && m_stack.size() == 1 && m_paragraphHasContent ? m_documentPara : top().para);
     }
     insertPendingNotes();
     if (m_endsDocument && !m_keptDocument.isEmpty()) {

@@ -18,6 +18,7 @@
 #include <QSet>
 #include <QUrl>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -312,6 +313,10 @@ void Writer::writePicture(const QTextImageFormat &image)
 
 void Writer::collectNotes()
 {
+    // Most documents have none: their formats tell at once.
+    const QList<QTextFormat> formats = m_doc.allFormats();
+    if (std::none_of(formats.cbegin(), formats.cend(), [](const QTextFormat &f) { return f.hasProperty(NoteKindProperty); }))
+        return;
     // Notes follow their references' paragraphs: those of the range, and those just after it.
     QHash<int, std::vector<QTextBlock>> notes;
     const QTextBlock first = m_doc.findBlock(m_start);
@@ -389,6 +394,8 @@ void Writer::writeNote(int noteId)
 void Writer::writeParagraphProperties(const QTextBlock &block)
 {
     const ParaFormat p = format::readPara(block);
+    if (block.blockFormat().layoutDirection() == Qt::RightToLeft)
+        word("rtlpar");
     switch (*p.alignment) {
     case ParaAlignment::Center: word("qc"); break;
     case ParaAlignment::Right: word("qr"); break;
@@ -431,15 +438,21 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
     if (*p.numbering != Numbering::None) {
         const Numbering numbering = *p.numbering;
         const NumberingStyle style = *p.numberingStyle;
-        // The list table for word processors, and the paragraph numbering of older readers,
-        // which also carries what the list table cannot say (our reader takes it over the list
-        // table's level).
+        // The list table for word processors, the number as text for readers without lists,
+        // and, in a group of our own, paragraph numbering words that say what the list table
+        // cannot (our reader takes them over the list table's level; other readers would let
+        // plain \pn paragraph numbering replace the list).
+        // Paragraphs without a number of their own (continuations) are no list items to others.
         const QTextList *list = block.textList();
         const int level = std::clamp(list->format().indent() - 1, 0, 8);
-        word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level));
-        if (level)
-            word("ilvl", level);
-        m_out += "{\\*\\pn";
+        const QTextBlock previous = block.previous();
+        const bool followsList = previous.isValid() && previous.textList();
+        if (style != NumberingStyle::NoNumber) {
+            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList));
+            if (level)
+                word("ilvl", level);
+        }
+        m_out += "{\\*\\kvpn";
         m_out += numbering == Numbering::Bullet ? "\\pnlvlblt" : "\\pnlvlbody";
         if (style == NumberingStyle::NoNumber)
             m_out += "\\pnlvlcont";
@@ -497,13 +510,14 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     const int rangeStart = m_inNote ? blockStart : m_start;
     const int rangeEnd = m_inNote ? blockEnd + 1 : m_end;
     const bool inTable = !m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart));
-    if (!inTable && !m_inNote && (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
+    const QTextBlockFormat blockFormat = block.blockFormat();
+    if (!inTable && !m_inNote && (blockFormat.pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
         word("page");
     word("pard");
     if (inTable)
         word("intbl");
     writeParagraphProperties(block);
-    const QByteArray kept = block.blockFormat().property(KeptParagraphGroups).toByteArray();
+    const QByteArray kept = blockFormat.property(KeptParagraphGroups).toByteArray();
     if (!kept.isEmpty() && !m_keptWritten.contains(kept)) {
         m_keptWritten.insert(kept);
         m_out += kept;
@@ -556,17 +570,39 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "\"}{\\fldrslt";
             m_needSpace = true;
         }
-        writeCharProps(qt);
         if (qt.isImageFormat()) {
+            writeCharProps(qt);
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
             continue;
+        }
+        // Right-to-left text: in a group of its own that gives the same properties as the
+        // complex-script ones, which word processors apply to such text.
+        const bool rtl = std::any_of(value.cbegin(), value.cend(), [](QChar c) {
+            return c.unicode() >= 0x0590 && (c.direction() == QChar::DirR || c.direction() == QChar::DirAL);
+        });
+        const RunProps outside = m_props;
+        if (rtl) {
+            m_out += "{\\rtlch";
+            m_needSpace = true;
+        }
+        writeCharProps(qt);
+        if (rtl) {
+            m_props.bold ? word("ab") : word("ab", 0);
+            m_props.italic ? word("ai") : word("ai", 0);
+            word("af", m_props.font);
+            word("afs", m_props.halfPoints);
         }
         const int noteId = m_notes.isEmpty() ? 0 : qt.intProperty(NoteIdProperty);
         if (noteId && m_notes.contains(noteId) && qt.boolProperty(NoteMarkProperty))
             writeNoteMark(noteId, qt);
         else
             writeFragmentText(value);
+        if (rtl) {
+            m_out += '}';
+            m_needSpace = false;
+            m_props = outside;
+        }
         if (noteId && !m_inNote && m_notes.contains(noteId) && !m_notesWritten.contains(noteId))
             writeNote(noteId);
     }

@@ -24,9 +24,6 @@ QVariant KvRTB::ApplyMySyntax(Syntax_Behavior, Formatting_Options) { reportNotAv
 void KvRTB::Cancel_Syntax() { reportNotAvailable("Cancel_Syntax"); }
 bool KvRTB::CanCancelSyntax() { reportNotAvailable("CanCancelSyntax"); return false; }
 
-// Spelling dialog: still to come.
-void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
-
 void KvRTB::ShowRandomWord() { reportNotAvailable("ShowRandomWord"); }
 
 // Ruler: still to come.

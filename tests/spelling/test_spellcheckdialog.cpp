@@ -164,6 +164,16 @@ private slots:
         QCOMPARE(c.editor.findChildren<SpellCheckFrm *>().size(), 1);
     }
 
+    void editorFollowsTheWord()
+    {
+        Control c(QString(QStringLiteral("The cat sat.\n")).repeated(200) + QStringLiteral("A zzxqv at the end."));
+        QCOMPARE(c.editor.FirstVisibleLine(), 1);
+        SpellCheckFrm *dialog = c.open();
+        QCOMPARE(dialog->state(), State::Word);
+        QCOMPARE(selected(c), QStringLiteral("zzxqv"));
+        QTRY_VERIFY(c.editor.LastVisibleLine() >= 200);
+    }
+
     void userWordListSurvivesRestart()
     {
         {

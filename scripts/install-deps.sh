@@ -6,9 +6,11 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools libgl-dev qt6-tools-dev
-  fonts-liberation2
+  qt6-multimedia-dev
+  fonts-liberation2 xvfb
   clang libclang-rt-14-dev
   libreoffice-writer-nogui
+  poppler-utils xvfb
   hunspell hunspell-en-us
 )
 

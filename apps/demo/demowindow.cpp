@@ -4,6 +4,8 @@
 #include "recentfiles.h"
 
 #include "control/kvrtb.h"
+#include "core/controlcore.h"
+#include "core/editorsurface.h"
 
 #include <QAction>
 #include <QApplication>
@@ -62,10 +64,8 @@ QString withExtensionOf(const QString &path, const QString &filter)
 // Commands of the control's areas that this build does not have yet: their menu items are hidden
 // rather than shown broken. Kept in step with the library as areas land.
 const QStringList kNotInThisBuild{
-    QStringLiteral("ShowPrintPreview"), QStringLiteral("CommonDialogPrint"), QStringLiteral("ShowFindReplace"),
-    QStringLiteral("ShowFontSelect"), QStringLiteral("CommonDialogSelFontColor"), QStringLiteral("ShowSpellCheck"),
-    QStringLiteral("ShowRandomWord"), QStringLiteral("ApplyVB6Syntax"), QStringLiteral("ApplyVBNetSyntax"),
-    QStringLiteral("ApplyMySyntax"), QStringLiteral("Cancel_Syntax"), QStringLiteral("DrawRuler")};
+    QStringLiteral("ShowSpellCheck"), QStringLiteral("ApplyVB6Syntax"), QStringLiteral("ApplyVBNetSyntax"),
+    QStringLiteral("ApplyMySyntax"), QStringLiteral("Cancel_Syntax")};
 
 } // namespace
 
@@ -78,6 +78,8 @@ DemoWindow::DemoWindow()
     // Documents open as they are: the clean-up passes (which overwrite text between "<" and ">")
     // run only when the user asks for them in the View menu.
     m_editor->setRemoveUnUsableData(false);
+    m_editor->Word_Wrap(true, true); // lines end where they will on the printed page
+    m_editor->setPageNumbersAndDate(kvrtb::PrintBoth);
     setCentralWidget(m_editor);
 
     buildFileMenu();
@@ -87,6 +89,7 @@ DemoWindow::DemoWindow()
     buildViewMenu();
     buildToolBar();
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->addAction(QStringLiteral("Editor &Help"), this, [this] { m_editor->ShowHelp(); });
     help->addAction(QStringLiteral("&About"), this, [this] {
         QMessageBox::about(this, QStringLiteral("About the demo"),
                            QStringLiteral("A small word processor built on the KvRTB control."));
@@ -240,7 +243,7 @@ void DemoWindow::buildViewMenu()
 {
     QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
     m_ruler = addCommand(view, QStringLiteral("&Ruler"), "DrawRuler", [this] { m_editor->setDisplayRuler(m_ruler->isChecked()); });
-    m_wrap = view->addAction(QStringLiteral("&Word Wrap"), this, [this] { m_editor->Word_Wrap(m_wrap->isChecked()); });
+    m_wrap = view->addAction(QStringLiteral("&Word Wrap"), this, [this] { m_editor->Word_Wrap(m_wrap->isChecked(), true); });
     m_links = view->addAction(QStringLiteral("Detect &Links While Typing"), this,
                               [this] { m_editor->setDetectHyperLinks(m_links->isChecked()); });
     m_cleanUp = view->addAction(QStringLiteral("&Clean Up Opened Documents"), this,
@@ -276,8 +279,19 @@ void DemoWindow::showSample()
     m_editor->setSelColor(0x800000u); // dark blue
     bool centre = true;
     m_editor->AlignCenter(centre);
+    // The second paragraph indented, its following lines further in, with two tab stops: the
+    // ruler shows them while the caret is there.
+    m_editor->setSelStart(20);
+    kvrtb::ParaFormat indented;
+    indented.leftIndent = 720;
+    indented.hangingIndent = 720;
+    indented.rightIndent = 1440;
+    indented.tabStops = QList<int>{2880, 4320};
+    m_editor->RichTextBox1().setSelectionParaFormat(indented);
     m_editor->HyperLinkDocument();
-    m_editor->setSelStart(0);
+    m_editor->setSelStart(20);
+    m_editor->core().refreshRuler();
+    m_editor->setPageHeading(QStringLiteral("KvRichTextBox demo"));
     m_editor->SetRTBChanged(false);
     setWindowModified(false);
 }

@@ -1,5 +1,6 @@
 // kvrtb-demo: a small word processor over one KvRTB control.
-// With --screenshot FILE it renders the window to a PNG and exits (for machines with no display).
+// With --screenshot FILE it renders the window to a PNG and exits (for machines with no display);
+// --preview-screenshot FILE does the same with the print preview of the document.
 
 #include "demowindow.h"
 
@@ -21,6 +22,9 @@ int main(int argc, char *argv[])
     QCommandLineOption screenshot(QStringLiteral("screenshot"), QStringLiteral("Render the window to a PNG file and exit."),
                                   QStringLiteral("file"));
     parser.addOption(screenshot);
+    QCommandLineOption previewShot(QStringLiteral("preview-screenshot"),
+                                   QStringLiteral("Render the print preview to a PNG file and exit."), QStringLiteral("file"));
+    parser.addOption(previewShot);
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("An RTF, text or control document to open instead of the sample."),
                                  QStringLiteral("[file]"));
     parser.process(app);
@@ -43,6 +47,35 @@ int main(int argc, char *argv[])
             // The sample is not the user's work: leave without asking to save it.
             window.editor()->SetRTBChanged(false);
             QApplication::exit(saved ? 0 : 1);
+        });
+    }
+    if (parser.isSet(previewShot)) {
+        const QString file = parser.value(previewShot);
+        // The preview runs its own event loop; the picture is taken from inside it.
+        QTimer::singleShot(300, &window, [&window, file] {
+            QTimer::singleShot(800, &window, [&window, file] {
+                QWidget *preview = nullptr;
+                for (QWidget *top : QApplication::topLevelWidgets()) {
+                    if (top->objectName() == QLatin1String("PrintPreview") && top->isVisible())
+                        preview = top;
+                }
+                window.editor()->SetRTBChanged(false);
+                if (!preview) {
+                    std::fprintf(stderr, "The print preview did not open\n");
+                    QApplication::exit(1);
+                    return;
+                }
+                preview->resize(760, 900);
+                QTimer::singleShot(800, preview, [preview, file] {
+                    const bool saved = preview->grab().save(file);
+                    preview->close();
+                    std::fprintf(saved ? stdout : stderr, saved ? "Saved a picture of the print preview to %s\n"
+                                                                : "Could not save a picture to %s\n",
+                                 qPrintable(file));
+                    QApplication::exit(saved ? 0 : 1);
+                });
+            });
+            window.editor()->ShowPrintPreview();
         });
     }
     return app.exec();

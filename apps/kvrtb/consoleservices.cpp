@@ -36,7 +36,7 @@ FontDialogResult ConsoleServices::fontDialog(const QFont &initial)
     return {false, initial};
 }
 
-bool ConsoleServices::printDialog(QPrinter &)
+bool ConsoleServices::printDialog(QPrinter &, bool)
 {
     return false;
 }

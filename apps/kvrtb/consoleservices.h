@@ -18,7 +18,9 @@ public:
     FileDialogResult saveFileDialog(const FileDialogRequest &request) override;
     ColourDialogResult colourDialog(Colour initial) override;
     FontDialogResult fontDialog(const QFont &initial) override;
-    bool printDialog(QPrinter &printer) override;
+    bool printDialog(QPrinter &printer, bool offerSelection = false) override;
+    /// No preview without windows: nothing is drawn and nothing printed.
+    bool printPreview(QPrinter &, const std::function<void(QPrinter &)> &) override { return false; }
     bool openAddress(const QString &address, QString *error = nullptr) override;
     void playClickSound() override {}
     void setBusy(bool) override {}

@@ -7,8 +7,12 @@
 #include "editing/specialundo.h"
 #include "editorinput/editorinput.h"
 #include "findreplace/findreplace.h"
+#include "fonts/fontselection.h"
+#include "help/whatsthishelp.h"
 #include "hyperlinks/hyperlinks.h"
 #include "spelling/misspellings.h"
+#include "printing/printing.h"
+#include "ruler/ruler.h"
 #include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
 
@@ -37,6 +41,10 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_documents->setRulerRefresher([this] { refreshRuler(); });
     m_misspellings = std::make_unique<Misspellings>(*this);
     m_findReplace = std::make_unique<FindReplace>(*this);
+    m_fontSelection = std::make_unique<FontSelection>(*this);
+    m_whatsThisHelp = std::make_unique<WhatsThisHelp>(*this);
+    m_ruler = std::make_unique<Ruler>(*this);
+    m_printing = std::make_unique<Printing>(*this);
     m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
 }
 
@@ -51,6 +59,12 @@ void ControlCore::lockWindowUpdate(bool lock)
         m_surface->freeze();
     else
         m_surface->unfreeze();
+}
+
+void ControlCore::refreshRuler()
+{
+    if (m_ruler) // not while the core is being built
+        m_ruler->refresh();
 }
 
 void ControlCore::setProgress(int percent)

@@ -2,6 +2,8 @@
 
 #include "editing/editcommands.h"
 #include "editorinput/editorinput.h"
+#include "ruler/ruler.h"
+#include "ruler/rulerstrip.h"
 #include "spelling/dictionary.h"
 
 #include "core/controlcore.h"
@@ -44,13 +46,6 @@ KvRTB::KvRTB(PlatformServices &services, QWidget *parent) : QWidget(parent)
 
 void KvRTB::initialise(PlatformServices &services)
 {
-    // The ruler strip with its shading and indent handles; the ruler draws into them.
-    m_masterPic = new QWidget(this);
-    m_masterPic->setObjectName(QStringLiteral("MasterPic"));
-    for (const char *name : {"ShadeRulerPic", "Image1", "HIHandle", "LIHandle", "RIHandle"}) {
-        auto *picture = new QWidget(m_masterPic);
-        picture->setObjectName(QLatin1String(name));
-    }
     auto *frame = new QFrame(this);
     frame->setFrameShape(QFrame::NoFrame);
     frame->setObjectName(QStringLiteral("RTBPicture"));
@@ -70,6 +65,8 @@ void KvRTB::initialise(PlatformServices &services)
     m_inputCommands = std::make_unique<InputCommands>(*this);
     m_core->editorInput().setHost(m_inputCommands.get());
     m_core->surface().setListener(&m_core->editorInput());
+    // The ruler strip (`MasterPic`) with its shading, scale and indent handles.
+    m_masterPic = new RulerStrip(m_core->ruler(), m_core->surface(), this);
 
     // The editor starts flat and borderless, as the property defaults say; its own font is what
     // `Font` means when no font is set.
@@ -85,6 +82,9 @@ void KvRTB::initialise(PlatformServices &services)
 
 KvRTB::~KvRTB()
 {
+    // The strip draws from the core's ruler: it goes before the core does.
+    delete m_masterPic;
+    m_masterPic = nullptr;
     m_core->surface().setListener(nullptr);
     m_core->surface().setText(QString());
     m_core->converter().setText(QString());
@@ -132,6 +132,8 @@ void KvRTB::resizeEvent(QResizeEvent *event)
 
 void KvRTB::layoutChildren()
 {
+    if (!m_masterPic)
+        return; // being destroyed
     const int w = width();
     const int h = height();
     const bool ruler = m_core->properties().DisplayRuler;
@@ -143,7 +145,8 @@ void KvRTB::layoutChildren()
     // The progress bar lies over the foot of the editor while a long operation runs.
     m_progressBar->setGeometry(0, std::max(0, h - kProgressBarHeight), w, std::min(h, kProgressBarHeight));
     m_progressBar->raise();
-    // Redrawing the ruler and its shading for the new width comes with the ruler.
+    if (ruler)
+        m_core->ruler().draw();
 }
 
 // --- Persisted properties -------------------------------------------------------------------
@@ -179,6 +182,8 @@ void KvRTB::setPropertyValue(const char *key, const QVariant &value)
         emit UpdateParentMenu();
     if (qstrcmp(entry->key, "DisplayRuler") == 0)
         layoutChildren();
+    else if (qstrcmp(entry->key, "PrinterMargin") == 0)
+        m_core->ruler().shade();
 }
 
 #define KVRTB_PERSISTED(Type, name, convert, SetterArg, setter)                                     \

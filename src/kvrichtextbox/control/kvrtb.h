@@ -116,6 +116,12 @@ class KvRTB : public QWidget, private ControlEvents {
     Q_PROPERTY(QVariant SelHangingIndent READ SelHangingIndent WRITE setSelHangingIndent DESIGNABLE false STORED false)
     Q_PROPERTY(QVariant SelRightIndent READ SelRightIndent WRITE setSelRightIndent DESIGNABLE false STORED false)
     Q_PROPERTY(QVariant SelTabCount READ SelTabCount WRITE setSelTabCount DESIGNABLE false STORED false)
+    // Printing: the heading, its place (`PageHeadingAlign`), the page numbers and date
+    // (`PageNumAndNow`) and the custom text printed in the page margins.
+    Q_PROPERTY(QString PageHeading READ PageHeading WRITE setPageHeading DESIGNABLE false STORED false)
+    Q_PROPERTY(int PageHeadingAlignment READ PageHeadingAlignment WRITE setPageHeadingAlignment DESIGNABLE false STORED false)
+    Q_PROPERTY(int PageNumbersAndDate READ PageNumbersAndDate WRITE setPageNumbersAndDate DESIGNABLE false STORED false)
+    Q_PROPERTY(QString PageCustomText READ PageCustomText WRITE setPageCustomText DESIGNABLE false STORED false)
 
 public:
     /// A control with the desktop's dialogs and services.
@@ -217,6 +223,16 @@ public:
 
     qulonglong hwnd() const;
 
+    // --- Printing settings (run time, not persisted) ------------------------------------------
+    /// The heading printed on every page; empty for none.
+    QString PageHeading() const;
+    /// Where the heading goes, a `PageHeadingAlign` value (default `CenterAlignHeading`).
+    int PageHeadingAlignment() const;
+    /// Page numbers ("Page N") and the date, a `PageNumAndNow` value (default `PrintNiether`).
+    int PageNumbersAndDate() const;
+    /// The text `PrintCustom` and `PrintCustomWNum` print in the middle of the margin.
+    QString PageCustomText() const;
+
 public slots:
     void setAllowImages(bool value);
     void setAppearance(int value);
@@ -286,6 +302,13 @@ public slots:
     /// Moves tab stop \a e_ellmt (0-based, must exist) to \a value twips.
     void setSelTabs(int e_ellmt, int value);
 
+    void setPageHeading(const QString &value);
+    /// A value that is not a `PageHeadingAlign` is refused with a warning; the setting stays.
+    void setPageHeadingAlignment(int value);
+    /// A value that is not a `PageNumAndNow` is refused with a warning; the setting stays.
+    void setPageNumbersAndDate(int value);
+    void setPageCustomText(const QString &value);
+
     // --- Control shell ----------------------------------------------------------------------
     /// Repaints the control and the editor.
     void Refresh();
@@ -311,8 +334,8 @@ public slots:
     /// Asks the running long operation to stop at its next check (sets the per-thread flag
     /// that every control on this thread shares; the next long operation clears it).
     void KillSwitch();
-    /// Turns wrapping off (\a Wrap false) or on: at the ruler's width (the right margin, or
-    /// the window when there is none) when \a RulerWrap is true, else at the window's width.
+    /// Turns wrapping off (\a Wrap false) or on: at the ruler's right margin (the width of the
+    /// text on a printed page) when \a RulerWrap is true, else at the window's width.
     /// `MyWrapStyle` follows; `Finish` and `Ready` are raised. Both switches are plain values so
     /// that a host calling by name can pass them.
     void Word_Wrap(const bool &Wrap, const bool &RulerWrap = false);
@@ -444,18 +467,36 @@ public slots:
     QString GetSynonyms(const QString &MYWORD1, QStringList &ASynArray);
     bool CanGetSynonym();
     QString GetRandomWord();
+    /// Opens the "Random Word" dialog: a random dictionary word, its synonyms, "Another Word"
+    /// and "Copy Selected Synonym"; returns when the user closes it.
     void ShowRandomWord();
 
     // --- Ruler ------------------------------------------------------------------------------
+    // The strip above the editor (shown while `DisplayRuler` is true) measures from where an
+    // unindented line starts to the right margin, the width of the text on a printed page.
+    /// Draws the whole ruler again: scale, shading, and the caret paragraph's indents and tabs.
     void DrawRuler();
+    /// Empties the strip until the next `DrawRuler` or the next caret move.
     void ClearRuler();
+    /// Shows the tab stops of the caret's paragraph again.
     void SetRulerTabs();
+    /// Redraws the shading outside the margins (after `PrinterMargin` changed); when the
+    /// editor wraps to the ruler, it then wraps at the new margin.
     void ShadeRuler();
 
     // --- Printing ---------------------------------------------------------------------------
+    // Pages have margins of `PrinterMargin` twips and carry `PageHeading`, page numbers, the
+    // date and `PageCustomText` as `PageHeadingAlignment` and `PageNumbersAndDate` say.
+    /// Shows the print dialog (all, a page range, or the selection when there is one) and
+    /// prints. Returns the pages printed; 0 when cancelled (\a MyErr 32755) or when printing
+    /// failed (\a MyErr 482).
     int CommonDialogPrint(short *MyErr = nullptr);
+    /// Prints the selection, or the whole document when nothing is selected, without a dialog:
+    /// on the default printer, or into the PDF file that a string \a vStartDoc names.
     void SelPrint(const QVariant &vStartDoc = QVariant());
+    /// True when the system has a printer (printing into a PDF file needs none).
     bool PrinterInstalled();
+    /// Shows the print preview of the document (`PrintPreview`), from which the user may print.
     void ShowPrintPreview();
 
     // --- Find and replace -------------------------------------------------------------------
@@ -466,16 +507,37 @@ public slots:
     void ExitFindRep();
 
     // --- Font and colour selection ----------------------------------------------------------
+    // Every dialog is modal and changes nothing when cancelled; `MyErr` comes back 0, or 32755
+    // when the user cancelled.
+    /// The desktop's font dialog for the selection; what the user changed there is applied.
     void CommonDialogFontSelect(short *MyErr = nullptr);
+    /// The font dialog for the selection: the control's own (`FontFrm`: family, style, size,
+    /// strike-through, underline, colour, sample) while `UseCustomFontDialog` is on, else the
+    /// desktop's.
     void ShowFontSelect();
+    /// Asks for a default font and, unless cancelled, turns default-font mode on: text typed
+    /// where nothing is selected takes that font until `EndDefaultFontMode`.
     void SetDefaultFontMode();
     void EndDefaultFontMode();
+    /// The default font (the one chosen or shared last, else the editor's font).
     kvrtb::DEFUALT_FONT_DATA GetDefaultFontData();
+    /// Takes another control's default font (from its `GetDefaultFontData`) and turns
+    /// default-font mode on with it. A record without a font name is ignored.
     void ShareDefaultFontData(const kvrtb::DEFUALT_FONT_DATA &MyDefFontData);
+    /// The colour dialog starting at \a MyOrgigColor: the colour chosen, or when cancelled
+    /// (\a UserCancelQ true) \a MyOrgigColor if \a UseOrigONCancel, else 0.
     uint CommonDialogColor(bool &UserCancelQ, bool UseOrigONCancel = false, uint MyOrgigColor = 0,
                            short *MyErr = nullptr);
+    /// Chooses `MyFontColor`, starting at \a MyOrgigColor (else `MyFontColor`); returns the
+    /// colour chosen, or the starting colour when cancelled.
     uint CommonDialogFontColor(const QVariant &MyOrgigColor = QVariant(), short *MyErr = nullptr);
+    /// Colours the selected text ("Font Color"), starting at \a CurrentColor (else the
+    /// selection's colour); the choice also becomes `MyFontColor`. Returns the colour chosen,
+    /// or the starting colour when cancelled.
     uint CommonDialogSelFontColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
+    /// Highlights the selection ("Highlight Color"), starting at \a CurrentColor (else
+    /// `MyHLColor`); the choice also becomes `MyHLColor`. Returns the colour chosen, or the
+    /// starting colour when cancelled.
     uint CommonDialogSelColor(const QVariant &CurrentColor = QVariant(), short *MyErr = nullptr);
 
     // --- Word count, help and sound ---------------------------------------------------------
@@ -487,8 +549,17 @@ public slots:
     /// prefixed "Selection" ("SelectionWords", ...) for the selected text alone, all 0 when
     /// nothing is selected. Words are words and numbers, each web or e-mail address one word.
     QVariantMap GetWordCountStatistics();
+    /// Points `WhatsThisHelpFile` at the control's own help document. The editor answers What's
+    /// This (Shift+F1) with a short description linking to `WhatsThisHelpFile`, or to the
+    /// control's own document while it is empty.
     void PointToWhatsThisHelpFile();
+    /// The control's help document for end users ("KvRTBHelp.html"): the installed copy, else a
+    /// copy written from the library into the user's cache folder. With \a NoColonFilePath the
+    /// plain path, else its address ("file:///..."). Empty when no copy could be had.
     QString GetHelpFile(bool NoColonFilePath = false);
+    /// Opens the help file (`WhatsThisHelpFile`, else the control's own) with the desktop's
+    /// viewer.
+    void ShowHelp();
 
     // --- By-name forms of the members with optional out arguments ---------------------------
     // A host calling by name cannot pass a pointer; these overloads take every argument, the

@@ -16,11 +16,15 @@ class Documents;
 class EditCommands;
 class EditorInput;
 class FindReplace;
+class FontSelection;
 class Hyperlinks;
 class LinesAndCase;
 class Misspellings;
+class Printing;
+class Ruler;
 class SpecialUndo;
 class SpellingCorrections;
+class WhatsThisHelp;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.
@@ -67,20 +71,26 @@ public:
     /// the visible surface once the widget connects it.
     EditorInput &editorInput() { return *m_editorInput; }
 
-    /// Brings the ruler in line with the caret's paragraph. Does nothing until a ruler is
-    /// connected with `setRulerRefresher` (a control without a ruler).
-    void refreshRuler()
-    {
-        if (m_rulerRefresher)
-            m_rulerRefresher();
-    }
-    void setRulerRefresher(std::function<void()> refresher) { m_rulerRefresher = std::move(refresher); }
     /// Misspelling detection and moving between misspelt words.
     Misspellings &misspellings() { return *m_misspellings; }
     /// Find and replace, and the "Find / Replace" dialog.
     FindReplace &findReplace() { return *m_findReplace; }
     /// Corrections of misspelt words and taking them back.
     SpellingCorrections &spellingCorrections() { return *m_spellingCorrections; }
+
+    /// The font and colour dialogs and default-font mode.
+    FontSelection &fontSelection() { return *m_fontSelection; }
+    /// What's This help on the editor and the help document.
+    WhatsThisHelp &whatsThisHelp() { return *m_whatsThisHelp; }
+    /// The ruler: the indents and tab stops of the caret's paragraph, and changing them.
+    Ruler &ruler() { return *m_ruler; }
+    /// Printing, print preview and the page headings.
+    Printing &printing() { return *m_printing; }
+
+    /// \brief Brings the ruler in line with the paragraph at the caret (its indent handles and
+    /// tab stops). Everything that moves the caret or changes paragraphs behind the ruler's back
+    /// calls it: arrow keys and mouse clicks in the editor, undo, paste, loading a document.
+    void refreshRuler();
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
@@ -105,9 +115,12 @@ private:
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
     std::unique_ptr<EditorInput> m_editorInput;
-    std::function<void()> m_rulerRefresher;
     std::unique_ptr<Misspellings> m_misspellings;
     std::unique_ptr<FindReplace> m_findReplace;
+    std::unique_ptr<FontSelection> m_fontSelection;
+    std::unique_ptr<WhatsThisHelp> m_whatsThisHelp;
+    std::unique_ptr<Ruler> m_ruler;
+    std::unique_ptr<Printing> m_printing;
     std::unique_ptr<SpellingCorrections> m_spellingCorrections;
     int m_progress = 0;
     int m_selectionQuiet = 0;

@@ -4,13 +4,16 @@
 
 #include <QFont>
 #include <QList>
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 class QPagedPaintDevice;
+class QPainter;
 class QWidget;
 
 namespace kvrtb {
@@ -101,6 +104,26 @@ enum class WrapMode {
 enum class MousePointer { Default = 0, Arrow = 1, Cross = 2, IBeam = 3, SizeAll = 5, SizeNESW = 6,
                           SizeNS = 7, SizeNWSE = 8, SizeWE = 9, UpArrow = 10, Hourglass = 11,
                           NoDrop = 12, ArrowHourglass = 13, ArrowQuestion = 14, Hand = 99 };
+
+/// \brief One printed page as `renderPages` hands it to the caller's decoration. Rectangles are
+/// in the device's pixels, from the paper's top-left corner.
+struct PageFrame {
+    int page = 1;       ///< 1-based number of the page within the printed text
+    int pageCount = 1;  ///< pages the printed text has in all
+    QRectF paper;       ///< the whole sheet
+    QRectF body;        ///< where the text goes: the paper less the margins
+};
+
+/// \brief How `renderPages` lays the document out on pages.
+struct PageRenderRequest {
+    QMargins marginsTwips;   ///< left, top, right, bottom: from the paper's edges to the text
+    bool selectionOnly = false; ///< only the selected text (the whole document when nothing is)
+    int fromPage = 0;        ///< first page to render (1-based); 0 = from the first
+    int toPage = 0;          ///< last page to render; 0 = to the last
+    /// Called for each page after its text is drawn, with the painter in paper coordinates:
+    /// draws headings, page numbers and the like in the margins. May be empty.
+    std::function<void(QPainter &painter, const PageFrame &frame)> decorate;
+};
 
 /// Kinds of document file the surface reads and writes itself.
 enum class SurfaceFileType { Rtf = 0, Text = 1 };
@@ -213,6 +236,8 @@ public:
     // --- Paragraph format -------------------------------------------------------------------
     /// The format of the paragraphs the selection touches (mixed attributes empty).
     virtual ParaFormat selectionParaFormat() const = 0;
+    /// The format of the one paragraph that holds \a position (clamped); nothing is mixed.
+    virtual ParaFormat paraFormatAt(int position) const = 0;
     virtual void setSelectionParaFormat(const ParaFormat &format) = 0;
 
     // --- Find -------------------------------------------------------------------------------
@@ -234,6 +259,9 @@ public:
     virtual void scrollLines(int lines, int columns = 0) = 0;
     /// The formatting rectangle in viewport pixels (left, top, right, bottom).
     virtual QRect formattingRect() const = 0;
+    /// Where a paragraph without indent starts, in pixels from the left edge of `widget()`
+    /// (its frame, the text margin and horizontal scrolling accounted for).
+    virtual int textOriginX() const = 0;
     /// The position nearest to a viewport pixel point.
     virtual int charFromPoint(const QPoint &point) const = 0;
     /// Vertical scroll offset in pixels, and setting it back.
@@ -315,6 +343,15 @@ public:
     virtual QWidget *widget() const = 0;
     /// Renders the document onto a paged device (printing and print preview).
     virtual void print(QPagedPaintDevice *device) const = 0;
+    /// \brief Lays the document (or the selection) out on the pages of \a device and draws them.
+    ///
+    /// The device is switched to full-page mode with no margins of its own; the request's
+    /// margins place the text. Fonts, colours, indents, tab stops, lists, tables and pictures
+    /// print as the editor shows them, scaled to the device's resolution. Returns the number of
+    /// pages drawn, or -1 with a reason in \a error when the device cannot be painted on (an
+    /// output file that cannot be written, margins that leave no room for text).
+    virtual int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
+                            QString *error = nullptr) const = 0;
 
     // --- Events -----------------------------------------------------------------------------
     /// The listener that receives the surface's events; not owned; nullptr for none.

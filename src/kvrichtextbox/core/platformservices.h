@@ -7,6 +7,8 @@
 #include <QPoint>
 #include <QString>
 
+#include <functional>
+
 class QPrinter;
 
 namespace kvrtb {
@@ -90,8 +92,14 @@ public:
     virtual FileDialogResult saveFileDialog(const FileDialogRequest &request) = 0;
     virtual ColourDialogResult colourDialog(Colour initial) = 0;
     virtual FontDialogResult fontDialog(const QFont &initial) = 0;
-    /// Lets the user set up \a printer; false when cancelled.
-    virtual bool printDialog(QPrinter &printer) = 0;
+    /// Lets the user set up \a printer; false when cancelled. With \a offerSelection the user
+    /// may choose to print only the selection (`QPrinter::Selection` as the print range).
+    virtual bool printDialog(QPrinter &printer, bool offerSelection = false) = 0;
+    /// \brief Shows a print preview of the pages \a render draws on the printer it is given
+    /// (called again when the user changes the page setup, and on the real printer when the
+    /// user prints from the preview). Returns true when the user printed, false when the
+    /// preview was closed without printing.
+    virtual bool printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render) = 0;
     /// Opens an address with the desktop ("https://...", "mailto:..."); false with a reason in
     /// \a error when nothing could open it.
     virtual bool openAddress(const QString &address, QString *error = nullptr) = 0;

@@ -1,5 +1,7 @@
 #include "core/recordingplatformservices.h"
 
+#include <QPrinter>
+
 namespace kvrtb {
 
 QList<RecordingPlatformServices::Call> RecordingPlatformServices::callsOf(const QString &service) const
@@ -48,10 +50,23 @@ FontDialogResult RecordingPlatformServices::fontDialog(const QFont &initial)
     return fontDialogAnswers.isEmpty() ? FontDialogResult{false, initial} : fontDialogAnswers.takeFirst();
 }
 
-bool RecordingPlatformServices::printDialog(QPrinter &)
+bool RecordingPlatformServices::printDialog(QPrinter &printer, bool offerSelection)
 {
-    calls.append({QStringLiteral("printDialog"), QString(), QString(), 0, 0});
+    calls.append({QStringLiteral("printDialog"), QString(), QString(), offerSelection ? 1 : 0, 0});
+    if (onPrintDialog)
+        onPrintDialog(printer);
     return printDialogAnswers.isEmpty() ? false : printDialogAnswers.takeFirst();
+}
+
+bool RecordingPlatformServices::printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render)
+{
+    calls.append({QStringLiteral("printPreview"), QString(), previewOutput, 0, 0});
+    if (!previewOutput.isEmpty()) {
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(previewOutput);
+        render(printer);
+    }
+    return printPreviewAnswers.isEmpty() ? false : printPreviewAnswers.takeFirst();
 }
 
 bool RecordingPlatformServices::openAddress(const QString &address, QString *error)

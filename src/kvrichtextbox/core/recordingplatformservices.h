@@ -19,7 +19,7 @@ public:
         QString service;   ///< "messageBox", "openFileDialog", "openAddress", ...
         QString title;     ///< message box title, dialog title
         QString text;      ///< message text, dialog filter, address
-        int buttons = 0;   ///< message boxes: `MessageButtons` value
+        int buttons = 0;   ///< message boxes: `MessageButtons` value; print dialogs: 1 when the selection is offered
         int icon = 0;      ///< message boxes: `MessageIcon` value
     };
 
@@ -30,6 +30,11 @@ public:
     QList<ColourDialogResult> colourDialogAnswers;
     QList<FontDialogResult> fontDialogAnswers;
     QList<bool> printDialogAnswers;
+    /// Run on the printer of each print dialog before it answers, as the user's choices would
+    /// be (a page range, the selection, an output file).
+    std::function<void(QPrinter &)> onPrintDialog;
+    QList<bool> printPreviewAnswers;
+    QString previewOutput;
     QList<int> menuAnswers;
 
     QList<FileDialogRequest> fileDialogRequests; ///< every file dialog asked for, in order
@@ -55,7 +60,11 @@ public:
     FileDialogResult saveFileDialog(const FileDialogRequest &request) override;
     ColourDialogResult colourDialog(Colour initial) override;
     FontDialogResult fontDialog(const QFont &initial) override;
-    bool printDialog(QPrinter &printer) override;
+    bool printDialog(QPrinter &printer, bool offerSelection = false) override;
+    /// Records the call and lets the preview draw once on \a printer, into `previewOutput` as
+    /// a PDF when that is set (so a test can read the previewed pages); answers from
+    /// `printPreviewAnswers` (false when empty).
+    bool printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render) override;
     bool openAddress(const QString &address, QString *error = nullptr) override;
     void playClickSound() override;
     void setBusy(bool busy) override;

@@ -6,6 +6,7 @@
 #include "editing/displayfreeze.h"
 #include "editing/specialundo.h"
 #include "hyperlinks/hyperlinks.h"
+#include "ruler/ruler.h"
 
 #include <QRegularExpression>
 
@@ -169,8 +170,8 @@ void EditCommands::Word_Wrap(bool Wrap, bool RulerWrap)
     EditorSurface &surface = m_core.surface();
     if (!Wrap)
         surface.setWrap(WrapMode::None);
-    else if (RulerWrap && surface.rightMargin() > 0)
-        surface.setWrap(WrapMode::Width, surface.rightMargin());
+    else if (RulerWrap)
+        surface.setWrap(WrapMode::Width, m_core.ruler().rightMargin());
     else
         surface.setWrap(WrapMode::Window);
     m_core.events().finish();
@@ -233,6 +234,7 @@ void EditCommands::Paste()
             if (detect)
                 m_core.hyperlinks().HyperLinkCurrentLine();
         }
+        m_core.refreshRuler();
     }
     m_core.events().finish();
     m_core.events().ready();

@@ -49,8 +49,8 @@ public:
     void ListStyle(int ListMethod);
     /// True when the selected paragraphs all have the numbering \a ListMethod.
     bool SelListMethod(int ListMethod) const;
-    /// No wrapping (false), wrapping at the right margin (true with \a RulerWrap and a right
-    /// margin set) or at the window; raises `Finish` and `Ready`.
+    /// No wrapping (false), wrapping at the ruler's right margin (true with \a RulerWrap: the
+    /// width of the text on a printed page) or at the window; raises `Finish` and `Ready`.
     void Word_Wrap(bool Wrap, bool RulerWrap = false);
 
     void Delete();

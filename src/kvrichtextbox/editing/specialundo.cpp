@@ -150,6 +150,7 @@ void SpecialUndo::Undo()
     m_core.events().finish();
     m_core.events().ready();
     m_undoRunState = 0;
+    m_core.refreshRuler();
 }
 
 void SpecialUndo::HyperUndo()
@@ -192,6 +193,7 @@ void SpecialUndo::HyperUndo()
     }
     m_core.events().finish();
     m_core.events().ready();
+    m_core.refreshRuler(); // the handles and the tab stops of the caret's paragraph
     m_core.hyperlinks().EmptyEditorUndoBuffer();
 }
 

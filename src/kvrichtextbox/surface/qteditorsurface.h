@@ -57,6 +57,7 @@ public:
 
     ParaFormat selectionParaFormat() const override;
     void setSelectionParaFormat(const ParaFormat &format) override;
+    ParaFormat paraFormatAt(int position) const override;
 
     int find(const QString &what, int start, int end, int flags) const override;
 
@@ -67,6 +68,7 @@ public:
     int firstVisibleLine() const override;
     void scrollLines(int lines, int columns = 0) override;
     QRect formattingRect() const override;
+    int textOriginX() const override;
     int charFromPoint(const QPoint &point) const override;
     int scrollOffset() const override;
     void setScrollOffset(int pixels) override;
@@ -117,6 +119,8 @@ public:
     quintptr windowHandle() const override;
     QWidget *widget() const override;
     void print(QPagedPaintDevice *device) const override;
+    int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
+                    QString *error = nullptr) const override;
 
     void setListener(SurfaceListener *listener) override;
 

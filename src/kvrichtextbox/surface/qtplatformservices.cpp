@@ -10,8 +10,15 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPrintDialog>
+#include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QUrl>
+
+#ifdef KVRTB_HAVE_MULTIMEDIA
+#include <QAudioDevice>
+#include <QMediaDevices>
+#include <QSoundEffect>
+#endif
 
 namespace kvrtb {
 
@@ -155,9 +162,21 @@ FontDialogResult QtPlatformServices::fontDialog(const QFont &initial)
     return {ok, ok ? chosen : initial};
 }
 
-bool QtPlatformServices::printDialog(QPrinter &printer)
+bool QtPlatformServices::printDialog(QPrinter &printer, bool offerSelection)
 {
     QPrintDialog dialog(&printer, m_parent);
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, offerSelection);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, true);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+bool QtPlatformServices::printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render)
+{
+    QPrintPreviewDialog dialog(&printer, m_parent);
+    dialog.setObjectName(QStringLiteral("PrintPreview"));
+    dialog.setWindowTitle(tr("Print Preview"));
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                     [&render](QPrinter *target) { render(*target); });
     return dialog.exec() == QDialog::Accepted;
 }
 
@@ -178,9 +197,18 @@ bool QtPlatformServices::openAddress(const QString &address, QString *error)
 
 void QtPlatformServices::playClickSound()
 {
-    // The desktop's own alert sound: Qt Widgets has no sample player, and pulling in a
-    // multimedia stack for one click is not worth its weight for a host.
-    QApplication::beep();
+#ifdef KVRTB_HAVE_MULTIMEDIA
+    // The control's own short click from its resources. A system without an audio output
+    // stays silent: the sound is a courtesy, never an error.
+    if (QMediaDevices::defaultAudioOutput().isNull())
+        return;
+    if (!m_clickSound) {
+        m_clickSound = new QSoundEffect(this);
+        m_clickSound->setSource(QUrl(QStringLiteral("qrc:/kvrtb/sounds/click.wav")));
+        m_clickSound->setVolume(0.6f);
+    }
+    m_clickSound->play();
+#endif
 }
 
 void QtPlatformServices::setBusy(bool busy)

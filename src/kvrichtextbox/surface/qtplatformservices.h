@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 
+class QSoundEffect;
 class QWidget;
 
 namespace kvrtb {
@@ -24,7 +25,8 @@ public:
     FileDialogResult saveFileDialog(const FileDialogRequest &request) override;
     ColourDialogResult colourDialog(Colour initial) override;
     FontDialogResult fontDialog(const QFont &initial) override;
-    bool printDialog(QPrinter &printer) override;
+    bool printDialog(QPrinter &printer, bool offerSelection = false) override;
+    bool printPreview(QPrinter &printer, const std::function<void(QPrinter &)> &render) override;
     bool openAddress(const QString &address, QString *error = nullptr) override;
     void playClickSound() override;
     void setBusy(bool busy) override;
@@ -47,6 +49,7 @@ private:
     int m_busyDepth = 0;
     bool m_inputSeen = false; ///< input handled during a yield, not yet asked about
     bool m_yielding = false;
+    QSoundEffect *m_clickSound = nullptr; ///< made on the first click (only with Qt Multimedia)
 };
 
 } // namespace kvrtb

@@ -14,11 +14,13 @@ QString WordCount::documentText() const
 
 WordCountResult WordCount::count(WordCountMode mode) const
 {
+    BusyGuard busy(m_core.services());
     return WordCounter::count(documentText(), mode);
 }
 
 DocumentStatistics WordCount::statistics() const
 {
+    BusyGuard busy(m_core.services());
     EditorSurface &surface = m_core.surface();
     DocumentStatistics stats;
     stats.document = WordCounter::statistics(documentText());

@@ -1,0 +1,151 @@
+// Paged rendering of the document (printing, print preview) and the paragraph and origin
+// queries the ruler draws from.
+
+#include "surface/formatmapping.h"
+#include "surface/qteditorsurface.h"
+#include "surface/surfacetextedit.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFrame>
+
+#include <algorithm>
+#include <memory>
+
+namespace kvrtb {
+
+namespace {
+
+constexpr double kTwipsPerInch = 1440.0;
+
+// A copy of the document to lay out on pages: the selection only when asked for and there is
+// one, else everything. The copy keeps every format, list, table and picture.
+std::unique_ptr<QTextDocument> printableCopy(const QTextDocument *source, const QTextCursor &selection,
+                                             bool selectionOnly)
+{
+    std::unique_ptr<QTextDocument> copy(source->clone());
+    if (selectionOnly && selection.hasSelection()) {
+        QTextCursor tail(copy.get());
+        tail.setPosition(selection.selectionEnd());
+        tail.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+        tail.removeSelectedText();
+        QTextCursor head(copy.get());
+        head.setPosition(selection.selectionStart(), QTextCursor::KeepAnchor);
+        head.removeSelectedText();
+    }
+    return copy;
+}
+
+// The layout scales fonts, frames, tables and pictures to the device it lays out for, but not
+// the paragraphs' own margins, first-line indent and fixed line heights, which the editor keeps in
+// screen pixels: scaled here, a paragraph indented an inch on screen is an inch in on paper.
+void scaleParagraphGeometry(QTextDocument *document, qreal factor)
+{
+    if (qFuzzyCompare(factor, 1.0))
+        return;
+    QTextCursor cursor(document);
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        QTextBlockFormat format = block.blockFormat();
+        format.setLeftMargin(format.leftMargin() * factor);
+        format.setRightMargin(format.rightMargin() * factor);
+        format.setTopMargin(format.topMargin() * factor);
+        format.setBottomMargin(format.bottomMargin() * factor);
+        format.setTextIndent(format.textIndent() * factor);
+        const int heightType = format.lineHeightType();
+        if (heightType == QTextBlockFormat::FixedHeight || heightType == QTextBlockFormat::MinimumHeight
+            || heightType == QTextBlockFormat::LineDistanceHeight)
+            format.setLineHeight(format.lineHeight() * factor, heightType);
+        cursor.setPosition(block.position());
+        cursor.setBlockFormat(format);
+    }
+}
+
+} // namespace
+
+ParaFormat QtEditorSurface::paraFormatAt(int position) const
+{
+    flushBatch();
+    return format::readPara(document()->findBlock(clamp(position)));
+}
+
+int QtEditorSurface::textOriginX() const
+{
+    const QWidget *viewport = m_edit->viewport();
+    const int margin = int(document()->documentMargin());
+    return viewport->mapTo(m_edit, QPoint(0, 0)).x() + margin - m_edit->horizontalScrollBar()->value();
+}
+
+int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequest &request, QString *error) const
+{
+    auto fail = [error](const QString &reason) {
+        if (error)
+            *error = reason;
+        return -1;
+    };
+    if (!device)
+        return fail(QStringLiteral("There is no device to print on."));
+    flushBatch();
+
+    // The device prints the whole sheet; the request's margins place the text.
+    QPageLayout layout = device->pageLayout();
+    layout.setMode(QPageLayout::FullPageMode);
+    layout.setMargins(QMarginsF());
+    device->setPageLayout(layout);
+    const int resolution = std::max(1, device->logicalDpiX());
+    const QRectF paper = device->pageLayout().fullRectPixels(resolution);
+    const auto toDevice = [resolution](int twips) { return twips * resolution / kTwipsPerInch; };
+    const QMargins &m = request.marginsTwips;
+    const QRectF body = paper.adjusted(toDevice(m.left()), toDevice(m.top()), -toDevice(m.right()),
+                                       -toDevice(m.bottom()));
+    if (body.width() < resolution / 4.0 || body.height() < resolution / 4.0)
+        return fail(QStringLiteral("The margins leave no room for text on the page."));
+
+    std::unique_ptr<QTextDocument> copy = printableCopy(document(), cursor(), request.selectionOnly);
+    QTextFrameFormat rootFormat = copy->rootFrame()->frameFormat();
+    rootFormat.setMargin(0);
+    rootFormat.setPadding(0);
+    copy->rootFrame()->setFrameFormat(rootFormat);
+    copy->setDocumentMargin(0);
+
+    QPainter painter;
+    if (!painter.begin(device))
+        return fail(QStringLiteral("The printer or output file cannot be written."));
+    // Laid out at the device's resolution: fonts are in points; tab stops, frames and pictures
+    // are scaled by the layout, the paragraphs' margins here.
+    QAbstractTextDocumentLayout *textLayout = copy->documentLayout();
+    textLayout->setPaintDevice(painter.device());
+    scaleParagraphGeometry(copy.get(), resolution / (kTwipsPerInch / kTwipsPerPixel));
+    copy->setPageSize(body.size());
+    const int pageCount = std::max(1, copy->pageCount());
+    const int first = std::clamp(request.fromPage > 0 ? request.fromPage : 1, 1, pageCount);
+    const int last = std::clamp(request.toPage > 0 ? request.toPage : pageCount, first, pageCount);
+
+    for (int page = first; page <= last; ++page) {
+        if (page > first && !device->newPage()) {
+            painter.end();
+            return fail(QStringLiteral("The printer refused a new page."));
+        }
+        painter.save();
+        const QRectF view(0, (page - 1) * body.height(), body.width(), body.height());
+        painter.translate(body.left(), body.top() - view.top());
+        painter.setClipRect(view);
+        QAbstractTextDocumentLayout::PaintContext context;
+        // Lines that only touch the page's edges belong to the next or the previous page: drawn
+        // here they would be clipped from sight but still be in the page's text (a PDF would
+        // show them twice to search and copy).
+        context.clip = view.adjusted(0, 1, 0, -1);
+        context.palette.setColor(QPalette::Text, Qt::black);
+        textLayout->draw(&painter, context);
+        painter.restore();
+        if (request.decorate)
+            request.decorate(painter, PageFrame{page, pageCount, paper, body});
+    }
+    painter.end();
+    return last - first + 1;
+}
+
+} // namespace kvrtb

@@ -1,0 +1,347 @@
+// Printing: a formatted corpus document printed to PDF and read back as text (headings, page
+// numbers, dates, body words), the selection alone, the print dialog's choices and its cancel,
+// the print preview, and settings or margins that make no sense.
+
+#include "control/kvrtb.h"
+#include "core/controlcore.h"
+#include "core/editorsurface.h"
+#include "core/recordingplatformservices.h"
+#include "printing/pagedecorations.h"
+#include "printing/printing.h"
+#include "testsupport.h"
+
+#include <QDate>
+#include <QFile>
+#include <QPrinter>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace kvrtb;
+
+namespace {
+
+/// The text of each page of a PDF, as `pdftotext -layout` reads it.
+QStringList pdfPages(const QString &path)
+{
+    QProcess process;
+    process.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), path, QStringLiteral("-")});
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return {};
+    QStringList pages = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\f'));
+    if (!pages.isEmpty() && pages.last().trimmed().isEmpty())
+        pages.removeLast();
+    return pages;
+}
+
+/// Words of letters only, at least six long, in the order they first appear.
+QStringList plainWords(const QString &text)
+{
+    QStringList words;
+    QSet<QString> seen;
+    static const QRegularExpression word(QStringLiteral("(?<![\\w'-])[A-Za-z]{6,}(?![\\w'-])"));
+    for (auto it = word.globalMatch(text); it.hasNext();) {
+        const QString w = it.next().captured();
+        if (!seen.contains(w)) {
+            seen.insert(w);
+            words << w;
+        }
+    }
+    return words;
+}
+
+/// The left edge, in points from the paper's left edge, of each printed word (`pdftotext -bbox`),
+/// in the order printed.
+QList<QPair<QString, double>> wordPositions(const QString &path)
+{
+    QProcess process;
+    process.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), path, QStringLiteral("-")});
+    if (!process.waitForFinished(60000) || process.exitCode() != 0)
+        return {};
+    QList<QPair<QString, double>> words;
+    static const QRegularExpression word(QStringLiteral("<word xMin=\"([0-9.]+)\"[^>]*>([^<]*)</word>"));
+    const QString html = QString::fromUtf8(process.readAllStandardOutput());
+    for (auto it = word.globalMatch(html); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        words.append({m.captured(2), m.captured(1).toDouble()});
+    }
+    return words;
+}
+
+double leftOf(const QList<QPair<QString, double>> &words, const QString &text)
+{
+    for (const auto &w : words) {
+        if (w.first == text)
+            return w.second;
+    }
+    return -1;
+}
+
+QString squeezed(const QString &text)
+{
+    return text.simplified();
+}
+
+} // namespace
+
+class TestPrinting : public QObject {
+    Q_OBJECT
+
+    RecordingPlatformServices m_services;
+    QTemporaryDir m_dir;
+
+    QString pdf(const QString &name) const { return m_dir.filePath(name); }
+
+    void loadCorpus(KvRTB &control)
+    {
+        bool ok = false;
+        control.LoadFile(test::corpusPath(QStringLiteral("rtf/pandoc__writer.rtf")), rtfRTF, nullptr, &ok);
+        QVERIFY(ok);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        QProcess probe;
+        probe.start(QStringLiteral("pdftotext"), {QStringLiteral("-v")});
+        QVERIFY2(probe.waitForFinished(10000), "pdftotext (poppler-utils) is needed to read the printed pages");
+    }
+
+    void printedCorpusCarriesHeadingPageNumbersDateAndEveryWord()
+    {
+        KvRTB control(m_services);
+        loadCorpus(control);
+        QVERIFY(control.setProperty("PageHeading", QStringLiteral("Quarterly Writer Report")));
+        QVERIFY(control.setProperty("PageNumbersAndDate", int(PrintBoth)));
+        QCOMPARE(control.property("PageHeadingAlignment").toInt(), int(CenterAlignHeading));
+        control.RichTextBox1().setSelection(0, 0);
+        // By name, as a host does: a file name prints into that PDF.
+        QVERIFY(QMetaObject::invokeMethod(&control, "SelPrint", Q_ARG(QVariant, QVariant(pdf("all.pdf")))));
+
+        const QStringList pages = pdfPages(pdf("all.pdf"));
+        QVERIFY2(pages.size() >= 3, qPrintable(QString::number(pages.size())));
+        const QString date = printedDateText(QDate::currentDate());
+        for (int i = 0; i < pages.size(); ++i) {
+            const QString page = pages[i];
+            QVERIFY2(page.contains(QStringLiteral("Quarterly Writer Report")), qPrintable(QString::number(i + 1)));
+            QVERIFY2(page.contains(QStringLiteral("Page %1").arg(i + 1)), qPrintable(page.left(300)));
+            QVERIFY(page.contains(date));
+            // The heading is above the text, the number and date below it.
+            const QStringList lines = page.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+            QVERIFY(lines.first().contains(QStringLiteral("Quarterly Writer Report")));
+            QVERIFY(lines.last().contains(QStringLiteral("Page %1").arg(i + 1)));
+        }
+        QVERIFY(!pages.join(QString()).contains(QStringLiteral("Page %1").arg(pages.size() + 1)));
+
+        // Every word of the document is on the pages.
+        const QString printed = squeezed(pages.join(QLatin1Char(' ')));
+        const QStringList words = plainWords(control.Text());
+        QVERIFY(words.size() > 100);
+        for (const QString &w : words)
+            QVERIFY2(printed.contains(QRegularExpression(QStringLiteral("\\b%1\\b").arg(w))), qPrintable(w));
+        // Printing does not touch the document.
+        QVERIFY(!control.HasRTBChanged());
+    }
+
+    void headingAtTheFootAndCustomTextWithNumbers()
+    {
+        KvRTB control(m_services);
+        loadCorpus(control);
+        control.setPageHeading(QStringLiteral("Footed Heading"));
+        control.setPageHeadingAlignment(LeftAlignHeadingBottom);
+        control.setPageNumbersAndDate(PrintCustomWNum);
+        control.setPageCustomText(QStringLiteral("Draft copy"));
+        control.SelPrint(QVariant(pdf("foot.pdf")));
+        const QStringList pages = pdfPages(pdf("foot.pdf"));
+        QVERIFY(pages.size() >= 3);
+        const QString date = printedDateText(QDate::currentDate());
+        for (int i = 0; i < pages.size(); ++i) {
+            const QStringList lines = pages[i].split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+            QVERIFY(lines.last().contains(QStringLiteral("Footed Heading")));
+            QVERIFY(lines.last().trimmed().startsWith(QStringLiteral("Footed Heading")));
+            QVERIFY(lines.first().contains(QStringLiteral("Draft copy")));
+            QVERIFY(lines.first().contains(QStringLiteral("Page %1").arg(i + 1)));
+            QVERIFY(!pages[i].contains(date));
+        }
+
+        // Nothing in the margins: only the document's words.
+        control.setPageHeading(QString());
+        control.setPageNumbersAndDate(PrintNiether);
+        control.SelPrint(QVariant(pdf("bare.pdf")));
+        const QString bare = pdfPages(pdf("bare.pdf")).join(QString());
+        QVERIFY(!bare.contains(QStringLiteral("Page 1")));
+        QVERIFY(!bare.contains(QStringLiteral("Draft copy")));
+
+        // Only the date.
+        control.setPageNumbersAndDate(PrintNowOnly);
+        control.SelPrint(QVariant(pdf("date.pdf")));
+        const QStringList dated = pdfPages(pdf("date.pdf"));
+        QVERIFY(dated.first().contains(date));
+        QVERIFY(!dated.first().contains(QStringLiteral("Page 1")));
+    }
+
+    void indentsAndTabStopsPrintWhereTheRulerShowsThem()
+    {
+        KvRTB control(m_services);
+        control.setText(QStringLiteral("Indented starts an inch in.\nOne\tThreeInches\nHanging first line "
+                                       "runs on long enough to wrap to a second line which starts further "
+                                       "in than the first line does, as the ruler's lower handle says.\nRighty"));
+        EditorSurface &surface = control.RichTextBox1();
+        ParaFormat format;
+        format.leftIndent = 1440;
+        surface.setSelection(0, 0);
+        surface.setSelectionParaFormat(format);
+        format = ParaFormat();
+        format.tabStops = QList<int>{4320};
+        surface.setSelection(30, 0);
+        surface.setSelectionParaFormat(format);
+        format = ParaFormat();
+        format.leftIndent = 720;
+        format.hangingIndent = 1440;
+        surface.setSelection(50, 0);
+        surface.setSelectionParaFormat(format);
+        surface.setSelection(0, 0);
+        // With the default margin of an inch (72 points), at printer resolution.
+        control.SelPrint(QVariant(pdf("geometry.pdf")));
+        const auto words = wordPositions(pdf("geometry.pdf"));
+        QVERIFY(!words.isEmpty());
+        QVERIFY2(qAbs(leftOf(words, QStringLiteral("Indented")) - 144) < 2, qPrintable(QString::number(leftOf(words, QStringLiteral("Indented")))));
+        QVERIFY(qAbs(leftOf(words, QStringLiteral("One")) - 72) < 2);
+        QVERIFY2(qAbs(leftOf(words, QStringLiteral("ThreeInches")) - 288) < 2, qPrintable(QString::number(leftOf(words, QStringLiteral("ThreeInches")))));
+        QVERIFY(qAbs(leftOf(words, QStringLiteral("Hanging")) - 108) < 2);
+        // The first word of the hanging paragraph's second line starts at 0.5 + 1 inch.
+        int hanging = -1;
+        for (int i = 0; i < words.size(); ++i) {
+            if (words[i].first == QStringLiteral("Hanging"))
+                hanging = i;
+        }
+        bool secondLineFound = false;
+        for (int i = hanging + 1; i < words.size() && words[i].first != QStringLiteral("Righty"); ++i) {
+            if (words[i].second < words[i - 1].second) {
+                QVERIFY2(qAbs(words[i].second - 180) < 2, qPrintable(QString::number(words[i].second)));
+                secondLineFound = true;
+                break;
+            }
+        }
+        QVERIFY(secondLineFound);
+    }
+
+    void selectionPrintsAloneAndTheDialogDecides()
+    {
+        KvRTB control(m_services);
+        control.setText(QStringLiteral("Opening words stay home.\nChosen paragraph goes out.\nClosing words stay too."));
+        control.RichTextBox1().setSelection(25, 26);
+        control.SelPrint(QVariant(pdf("selection.pdf")));
+        const QString selected = squeezed(pdfPages(pdf("selection.pdf")).join(QString()));
+        QCOMPARE(selected, QStringLiteral("Chosen paragraph goes out."));
+        QCOMPARE(control.SelText(), QStringLiteral("Chosen paragraph goes out."));
+
+        // Cancelled: nothing printed, the cancel error, the selection offered.
+        m_services.calls.clear();
+        short err = 0;
+        QCOMPARE(control.CommonDialogPrint(&err), 0);
+        QCOMPARE(err, Printing::kCancelled);
+        QCOMPARE(m_services.callsOf(QStringLiteral("printDialog")).size(), 1);
+        QCOMPARE(m_services.callsOf(QStringLiteral("printDialog")).first().buttons, 1);
+
+        // The user picks the selection and a file.
+        m_services.onPrintDialog = [this](QPrinter &printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(pdf("dialog.pdf"));
+            printer.setPrintRange(QPrinter::Selection);
+        };
+        m_services.printDialogAnswers = {true};
+        QCOMPARE(control.CommonDialogPrint(&err), 1);
+        QCOMPARE(err, short(0));
+        QCOMPARE(squeezed(pdfPages(pdf("dialog.pdf")).join(QString())), QStringLiteral("Chosen paragraph goes out."));
+
+        // By name, with the error as a reference; a page range of a longer document.
+        loadCorpus(control);
+        control.setPageNumbersAndDate(PrintPageOnly);
+        m_services.onPrintDialog = [this](QPrinter &printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(pdf("range.pdf"));
+            printer.setPrintRange(QPrinter::PageRange);
+            printer.setFromTo(2, 3);
+        };
+        m_services.printDialogAnswers = {true};
+        int pages = -1;
+        short byNameErr = 7;
+        QVERIFY(QMetaObject::invokeMethod(&control, "CommonDialogPrint", Q_RETURN_ARG(int, pages),
+                                          Q_ARG(short &, byNameErr)));
+        QCOMPARE(pages, 2);
+        QCOMPARE(byNameErr, short(0));
+        const QStringList range = pdfPages(pdf("range.pdf"));
+        QCOMPARE(range.size(), 2);
+        QVERIFY(range[0].contains(QStringLiteral("Page 2")));
+        QVERIFY(range[1].contains(QStringLiteral("Page 3")));
+
+        // A file that cannot be written: a printer error, no crash, the document unchanged.
+        const QString before = control.TextRTF();
+        m_services.onPrintDialog = [](QPrinter &printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(QStringLiteral("/nonexistent-folder/out.pdf"));
+        };
+        m_services.printDialogAnswers = {true};
+        QCOMPARE(control.CommonDialogPrint(&err), 0);
+        QCOMPARE(err, Printing::kPrinterError);
+        control.SelPrint(QVariant(QStringLiteral("/nonexistent-folder/out.pdf")));
+        QVERIFY(!QFile::exists(QStringLiteral("/nonexistent-folder/out.pdf")));
+        QCOMPARE(control.TextRTF(), before);
+        m_services.onPrintDialog = nullptr;
+    }
+
+    void previewShowsThePagesAndBadSettingsAreRefused()
+    {
+        KvRTB control(m_services);
+        loadCorpus(control);
+        control.setPageHeading(QStringLiteral("Preview Heading"));
+        control.setPageNumbersAndDate(PrintPageOnly);
+        m_services.previewOutput = pdf("preview.pdf");
+        control.ShowPrintPreview();
+        QCOMPARE(m_services.callsOf(QStringLiteral("printPreview")).size(), 1);
+        const QStringList pages = pdfPages(pdf("preview.pdf"));
+        QVERIFY(pages.size() >= 3);
+        QVERIFY(pages.last().contains(QStringLiteral("Page %1").arg(pages.size())));
+        QVERIFY(pages.first().contains(QStringLiteral("Preview Heading")));
+        m_services.previewOutput.clear();
+
+        // Values outside the enums are refused; the settings stay.
+        control.setPageHeadingAlignment(0);
+        control.setPageHeadingAlignment(7);
+        QCOMPARE(control.PageHeadingAlignment(), int(CenterAlignHeading));
+        control.setPageNumbersAndDate(-1);
+        control.setPageNumbersAndDate(6);
+        QCOMPARE(control.PageNumbersAndDate(), int(PrintPageOnly));
+
+        // The margin sets the width of the lines; margins past reason still leave text to print.
+        control.setText(QStringLiteral("Words that fill a long paragraph across many lines. ").repeated(200));
+        control.setPrinterMargin(TenEighty);
+        control.SelPrint(QVariant(pdf("narrow.pdf")));
+        control.setPrinterMargin(Academic);
+        control.SelPrint(QVariant(pdf("academic.pdf")));
+        const auto lineCount = [](const QStringList &pages) {
+            return pages.join(QString()).split(QLatin1Char('\n'), Qt::SkipEmptyParts).size();
+        };
+        // Wider text on a narrower margin: fewer lines for the same words.
+        QVERIFY(lineCount(pdfPages(pdf("narrow.pdf"))) < lineCount(pdfPages(pdf("academic.pdf"))));
+        control.setPrinterMargin(99999999);
+        control.SelPrint(QVariant(pdf("huge.pdf")));
+        const QStringList huge = pdfPages(pdf("huge.pdf"));
+        QVERIFY(huge.size() > pdfPages(pdf("academic.pdf")).size());
+        QVERIFY(huge.first().contains(QStringLiteral("Preview Heading")));
+        QCOMPARE(squeezed(huge.join(QLatin1Char(' '))).count(QStringLiteral("across")), 200);
+
+        // Print to PDF needs no printer; the answer only says whether the system has one.
+        const bool installed = control.PrinterInstalled();
+        bool byName = !installed;
+        QVERIFY(QMetaObject::invokeMethod(&control, "PrinterInstalled", Q_RETURN_ARG(bool, byName)));
+        QCOMPARE(byName, installed);
+    }
+};
+
+QTEST_MAIN(TestPrinting)
+#include "test_printing.moc"

@@ -1,13 +1,19 @@
-// Reads and writes a 10 MB formatted RTF document and, in the same run, imports and exports the
-// same document as HTML through QTextDocument, printing the times and their ratios.
+// Reads and writes RTF and prints the times: a 10 MB formatted document (compared, in the same
+// run, with importing and exporting the same document as HTML through QTextDocument), a
+// generated 10 MB document with nested lists, tables and footnotes, and the largest files of the
+// shared RTF corpus (each read and written several times, the best time kept).
 
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
 #include <QTextDocument>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -31,7 +37,75 @@ QByteArray formattedRtf(int targetBytes)
     return out + "}";
 }
 
+// A document in the form word processors write: a list table with a three-level list, lists of
+// 27 paragraphs over all three levels (each list its own \ls, as in a long report), a small
+// bordered table every nine paragraphs and a footnote in every fifth paragraph. (Qt keeps a
+// list's paragraphs in one sorted array that it walks on every insertion, so one list of many
+// thousand items costs time that grows with the square of its length, in any reader.)
+QByteArray structuredRtf(int targetBytes)
+{
+    QByteArray body;
+    int i = 0;
+    int lists = 0;
+    while (body.size() < targetBytes) {
+        if (i % 27 == 0)
+            ++lists;
+        const int level = i % 3;
+        body += "{\\listtext\\tab}\\pard\\ls" + QByteArray::number(lists) + "\\ilvl" + QByteArray::number(level)
+                + "\\f0\\fs20 Item " + QByteArray::number(i) + " with {\\b bold} and {\\i italic} words";
+        if (i % 5 == 0)
+            body += "{\\super\\chftn}{\\footnote\\pard\\plain{\\super\\chftn} Note " + QByteArray::number(i)
+                    + " says something about the item.}";
+        body += ".\\par\n";
+        if (i % 9 == 8) {
+            body += "\\pard\\plain Paragraph before a table.\\par\n";
+            for (int r = 0; r < 3; ++r) {
+                body += "\\trowd\\trgaph108\\clbrdrt\\brdrs\\brdrw10\\cellx2000\\clbrdrt\\brdrs\\brdrw10\\cellx4000"
+                        "\\cellx6000\n\\pard\\intbl Cell " + QByteArray::number(r) + " one\\cell two\\cell three\\cell\\row\n";
+            }
+            body += "\\pard\\plain\n";
+        }
+        ++i;
+    }
+    QByteArray out = "{\\rtf1\\ansi\\ansicpg1252\\deff0{\\fonttbl{\\f0 Arial;}{\\f1 Symbol;}}\n"
+                     "{\\*\\listtable{\\list\\listtemplateid1"
+                     "{\\listlevel\\levelnfc0\\levelstartat1{\\leveltext\\'02\\'00.;}{\\levelnumbers\\'01;}\\fi-360\\li720}"
+                     "{\\listlevel\\levelnfc4\\levelstartat1{\\leveltext\\'02\\'01);}{\\levelnumbers\\'01;}\\fi-360\\li1440}"
+                     "{\\listlevel\\levelnfc23{\\leveltext\\'01\\u8226 ?;}{\\levelnumbers;}\\fi-360\\li2160}"
+                     "\\listid100}}\n{\\*\\listoverridetable";
+    for (int ls = 1; ls <= lists; ++ls)
+        out += "{\\listoverride\\listid100\\listoverridecount0\\ls" + QByteArray::number(ls) + "}";
+    out += "}\n";
+    return out + body + "}";
+}
+
 double millis(QElapsedTimer &timer) { return double(timer.nsecsElapsed()) / 1e6; }
+
+struct Times {
+    double read = 1e300;
+    double write = 1e300;
+    qsizetype written = 0;
+};
+
+// The best of \a repeats reads and writes of \a rtf.
+Times measure(const QByteArray &rtf, int repeats)
+{
+    Times best;
+    QElapsedTimer timer;
+    for (int i = 0; i < repeats; ++i) {
+        QTextDocument doc;
+        timer.start();
+        kvrtb::rtf::readRtf(doc, rtf);
+        best.read = std::min(best.read, millis(timer));
+        timer.restart();
+        const QByteArray out = kvrtb::rtf::writeRtf(doc);
+        best.write = std::min(best.write, millis(timer));
+        best.written = out.size();
+    }
+    return best;
+}
+
+double megabytesPerSecond(qsizetype bytes, double ms) { return double(bytes) / 1048576.0 / (ms / 1000.0); }
 
 } // namespace
 
@@ -39,7 +113,9 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    const QByteArray rtfText = formattedRtf(10 * 1024 * 1024);
+    // The size of the generated documents in megabytes (10 when not given).
+    const int megabytes = argc > 1 ? std::max(1, QByteArray(argv[1]).toInt()) : 10;
+    const QByteArray rtfText = formattedRtf(megabytes * 1024 * 1024);
     QTextDocument doc;
     QElapsedTimer timer;
 
@@ -66,5 +142,27 @@ int main(int argc, char *argv[])
     std::printf("RTF write  %9.1f ms   HTML export (toHtml)  %9.1f ms   ratio %.2f (goal <= 1.0)\n", rtfWrite,
                 htmlWrite, rtfWrite / htmlWrite);
     std::printf("written RTF: %lld bytes\n", static_cast<long long>(written.size()));
+
+    const QByteArray structured = structuredRtf(megabytes * 1024 * 1024);
+    const Times s = measure(structured, 1);
+    std::printf("\nlists, tables and notes: %lld bytes of RTF\n", static_cast<long long>(structured.size()));
+    std::printf("  read  %9.1f ms  %6.2f MB/s   write %9.1f ms  %6.2f MB/s (%lld bytes written)\n", s.read,
+                megabytesPerSecond(structured.size(), s.read), s.write, megabytesPerSecond(s.written, s.write),
+                static_cast<long long>(s.written));
+
+    const QDir corpus(QStringLiteral(KVRTB_CORPORA_DIR "/rtf"));
+    QFileInfoList files = corpus.entryInfoList({QStringLiteral("*.rtf")}, QDir::Files, QDir::Size);
+    files = files.mid(0, 5);
+    std::printf("\nlargest corpus files (best of 5 runs):\n");
+    for (const QFileInfo &info : files) {
+        QFile file(info.filePath());
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray bytes = file.readAll();
+        const Times t = measure(bytes, 5);
+        std::printf("  %-42s %7lld bytes  read %7.2f ms %6.2f MB/s   write %7.2f ms %6.2f MB/s\n",
+                    qPrintable(info.fileName()), static_cast<long long>(bytes.size()), t.read,
+                    megabytesPerSecond(bytes.size(), t.read), t.write, megabytesPerSecond(t.written, t.write));
+    }
     return 0;
 }

@@ -11,6 +11,7 @@
 #include "editorinput/popupmenu.h"
 
 #include <QAbstractScrollArea>
+#include <QImage>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextEdit>
@@ -107,6 +108,7 @@ private slots:
     void popupMenuItemsAndCommands();
     void synonymIdsCollideWithSpellingIds();
     void changeTracking();
+    void rtfGrowthIsBoundedByTheAllowance();
     void badInputChangesNothing();
 };
 
@@ -460,6 +462,57 @@ void TestEditorInput::changeTracking()
     QVERIFY(!s.control.HasRTBChanged());
     s.control.SetRTBChanged(true);
     QVERIFY(s.control.HasRTBChanged());
+}
+
+void TestEditorInput::rtfGrowthIsBoundedByTheAllowance()
+{
+    // The large-document rule skips writing the RTF while the surface's allowance says it
+    // cannot have crossed the limit; every kind of edit a user makes must stay within it.
+    Shown s(QStringLiteral("start"));
+    EditorSurface &surface = s.control.RichTextBox1();
+    QList<int> tabs;
+    for (int i = 1; i <= 60; ++i)
+        tabs << i * 120;
+    ParaFormat para;
+    para.tabStops = tabs;
+    para.leftIndent = 720;
+    surface.setSelectionParaFormat(para);
+    s.control.setSelStart(5);
+    const QList<std::function<void()>> edits{
+        [&] { s.type(" plain words"); },
+        [&] { s.typeLetter(QStringLiteral("ж")); },
+        [&] { s.key(Qt::Key_Return); },
+        [&] { s.key(Qt::Key_Return); },
+        [&] { s.type("see www.example.com/a/long/path?x=1 and me@example.org "); },
+        [&] {
+            s.control.setSelStart(0);
+            s.control.setSelLength(3);
+            s.key(Qt::Key_B, Qt::ControlModifier);
+            s.key(Qt::Key_U, Qt::ControlModifier);
+        },
+        [&] {
+            s.control.setSelLength(1);
+            s.control.setSelFontName(QStringLiteral("A Font Name That Is Rather Long Indeed"));
+            s.control.setSelColor(0x123456u);
+            s.control.HighLightText(0x654321u);
+        },
+        [&] { s.key(Qt::Key_Backspace); s.key(Qt::Key_Delete); },
+    };
+    for (int i = 0; i < edits.size(); ++i) {
+        const qsizetype before = surface.rtf().size();
+        const quint64 allowance = surface.rtfGrowthAllowance();
+        edits.at(i)();
+        const qsizetype grown = surface.rtf().size() - before;
+        QVERIFY2(grown <= 0 || quint64(grown) <= surface.rtfGrowthAllowance() - allowance,
+                 qPrintable(QStringLiteral("edit %1 grew the RTF by %2").arg(i).arg(grown)));
+    }
+    // A picture costs its bytes: the allowance gives up on bounding it.
+    QImage picture(64, 64, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const quint64 allowance = surface.rtfGrowthAllowance();
+    QTextCursor cursor = s.editor()->textCursor();
+    cursor.insertImage(picture);
+    QVERIFY(surface.rtfGrowthAllowance() - allowance >= EditorSurface::kUnboundedRtfGrowth);
 }
 
 void TestEditorInput::badInputChangesNothing()

@@ -52,31 +52,44 @@ QStringList plainWords(const QString &text)
     return words;
 }
 
-/// The left edge, in points from the paper's left edge, of each printed word (`pdftotext -bbox`),
-/// in the order printed.
-QList<QPair<QString, double>> wordPositions(const QString &path)
+/// A printed word and its top-left corner in points from the paper's corner.
+struct PrintedWord {
+    QString text;
+    double x = -1;
+    double y = -1;
+};
+
+/// The printed words in the order printed (`pdftotext -bbox`).
+QList<PrintedWord> wordPositions(const QString &path)
 {
     QProcess process;
     process.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), path, QStringLiteral("-")});
     if (!process.waitForFinished(60000) || process.exitCode() != 0)
         return {};
-    QList<QPair<QString, double>> words;
-    static const QRegularExpression word(QStringLiteral("<word xMin=\"([0-9.]+)\"[^>]*>([^<]*)</word>"));
+    QList<PrintedWord> words;
+    static const QRegularExpression word(
+        QStringLiteral("<word xMin=\"([0-9.]+)\" yMin=\"([0-9.]+)\"[^>]*>([^<]*)</word>"));
     const QString html = QString::fromUtf8(process.readAllStandardOutput());
     for (auto it = word.globalMatch(html); it.hasNext();) {
         const QRegularExpressionMatch m = it.next();
-        words.append({m.captured(2), m.captured(1).toDouble()});
+        words.append({m.captured(3), m.captured(1).toDouble(), m.captured(2).toDouble()});
     }
     return words;
 }
 
-double leftOf(const QList<QPair<QString, double>> &words, const QString &text)
+int indexOfWord(const QList<PrintedWord> &words, const QString &text)
 {
-    for (const auto &w : words) {
-        if (w.first == text)
-            return w.second;
+    for (int i = 0; i < words.size(); ++i) {
+        if (words[i].text == text)
+            return i;
     }
     return -1;
+}
+
+PrintedWord printed(const QList<PrintedWord> &words, const QString &text)
+{
+    const int i = indexOfWord(words, text);
+    return i >= 0 ? words[i] : PrintedWord();
 }
 
 QString squeezed(const QString &text)
@@ -183,50 +196,54 @@ private slots:
         QVERIFY(!dated.first().contains(QStringLiteral("Page 1")));
     }
 
-    void indentsAndTabStopsPrintWhereTheRulerShowsThem()
+    void indentsTabStopsAndSpacingPrintWhereTheEditorHasThem()
     {
         KvRTB control(m_services);
         control.setText(QStringLiteral("Indented starts an inch in.\nOne\tThreeInches\nHanging first line "
                                        "runs on long enough to wrap to a second line which starts further "
-                                       "in than the first line does, as the ruler's lower handle says.\nRighty"));
+                                       "in than the first line does, as the ruler's lower handle says.\n"
+                                       "Spaced\nAbove"));
         EditorSurface &surface = control.RichTextBox1();
-        ParaFormat format;
-        format.leftIndent = 1440;
-        surface.setSelection(0, 0);
-        surface.setSelectionParaFormat(format);
-        format = ParaFormat();
-        format.tabStops = QList<int>{4320};
-        surface.setSelection(30, 0);
-        surface.setSelectionParaFormat(format);
-        format = ParaFormat();
-        format.leftIndent = 720;
-        format.hangingIndent = 1440;
-        surface.setSelection(50, 0);
-        surface.setSelectionParaFormat(format);
+        auto formatParagraphAt = [&surface](int position, const ParaFormat &format) {
+            surface.setSelection(position, 0);
+            surface.setSelectionParaFormat(format);
+        };
+        ParaFormat indented;
+        indented.leftIndent = 1440;
+        formatParagraphAt(0, indented);
+        ParaFormat tabbed;
+        tabbed.tabStops = QList<int>{4320};
+        formatParagraphAt(30, tabbed);
+        ParaFormat hanging;
+        hanging.leftIndent = 720;
+        hanging.hangingIndent = 1440;
+        formatParagraphAt(50, hanging);
+        ParaFormat spaced;
+        spaced.spaceBefore = 720; // half an inch: 36 points
+        formatParagraphAt(surface.text().indexOf(QStringLiteral("Above")), spaced);
         surface.setSelection(0, 0);
         // With the default margin of an inch (72 points), at printer resolution.
         control.SelPrint(QVariant(pdf("geometry.pdf")));
-        const auto words = wordPositions(pdf("geometry.pdf"));
+        const QList<PrintedWord> words = wordPositions(pdf("geometry.pdf"));
         QVERIFY(!words.isEmpty());
-        QVERIFY2(qAbs(leftOf(words, QStringLiteral("Indented")) - 144) < 2, qPrintable(QString::number(leftOf(words, QStringLiteral("Indented")))));
-        QVERIFY(qAbs(leftOf(words, QStringLiteral("One")) - 72) < 2);
-        QVERIFY2(qAbs(leftOf(words, QStringLiteral("ThreeInches")) - 288) < 2, qPrintable(QString::number(leftOf(words, QStringLiteral("ThreeInches")))));
-        QVERIFY(qAbs(leftOf(words, QStringLiteral("Hanging")) - 108) < 2);
-        // The first word of the hanging paragraph's second line starts at 0.5 + 1 inch.
-        int hanging = -1;
-        for (int i = 0; i < words.size(); ++i) {
-            if (words[i].first == QStringLiteral("Hanging"))
-                hanging = i;
+        auto near = [](double actual, double expected) { return qAbs(actual - expected) < 2; };
+        QVERIFY2(near(printed(words, QStringLiteral("Indented")).x, 144),
+                 qPrintable(QString::number(printed(words, QStringLiteral("Indented")).x)));
+        QVERIFY(near(printed(words, QStringLiteral("One")).x, 72));
+        QVERIFY(near(printed(words, QStringLiteral("ThreeInches")).x, 288));
+        QVERIFY(near(printed(words, QStringLiteral("Hanging")).x, 108));
+        // The hanging paragraph's second line starts at 0.5 + 1 inch.
+        int i = indexOfWord(words, QStringLiteral("Hanging"));
+        QVERIFY(i >= 0);
+        for (++i; i < words.size() && words[i].x >= words[i - 1].x; ++i) {
         }
-        bool secondLineFound = false;
-        for (int i = hanging + 1; i < words.size() && words[i].first != QStringLiteral("Righty"); ++i) {
-            if (words[i].second < words[i - 1].second) {
-                QVERIFY2(qAbs(words[i].second - 180) < 2, qPrintable(QString::number(words[i].second)));
-                secondLineFound = true;
-                break;
-            }
-        }
-        QVERIFY(secondLineFound);
+        QVERIFY(i < words.size());
+        QVERIFY2(near(words[i].x, 180), qPrintable(QString::number(words[i].x)));
+        // Space before a paragraph: the line's own height plus 36 points.
+        const double gap = printed(words, QStringLiteral("Above")).y - printed(words, QStringLiteral("Spaced")).y;
+        const double lineHeight = words[i].y - printed(words, QStringLiteral("Hanging")).y;
+        QVERIFY2(near(gap - lineHeight, 36), qPrintable(QStringLiteral("%1 %2").arg(gap).arg(lineHeight)));
+        QCOMPARE(pdfPages(pdf("geometry.pdf")).size(), 1);
     }
 
     void selectionPrintsAloneAndTheDialogDecides()

@@ -9,8 +9,10 @@
 #include "ruler/ruler.h"
 #include "ruler/rulerstrip.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QClipboard>
+#include <QMouseEvent>
 #include <QTest>
 #include <QTextEdit>
 
@@ -72,6 +74,14 @@ class TestRuler : public QObject {
         QTest::mouseMove(strip(), (from + to) / 2);
         QTest::mouseMove(strip(), to);
         QTest::mouseRelease(strip(), Qt::LeftButton, {}, to);
+    }
+
+    // The mouse passes over the strip with no button held (QTest moves the real cursor for that,
+    // which an offscreen platform does not follow).
+    void hover(QPoint pos)
+    {
+        QMouseEvent move(QEvent::MouseMove, pos, strip()->mapToGlobal(pos), Qt::NoButton, Qt::NoButton, {});
+        QApplication::sendEvent(strip(), &move);
     }
 
     QPoint centreOf(const char *handle) { return part(handle)->geometry().center(); }
@@ -212,6 +222,14 @@ private slots:
         surface().setSelection(12, 14);
         control().core().refreshRuler();
 
+        // The pointer shows what can be dragged.
+        hover(QPoint(strip()->xForTwips(3 * kInch), y));
+        QCOMPARE(strip()->cursor().shape(), Qt::SizeHorCursor);
+        hover(QPoint(strip()->xForTwips(2 * kInch), y));
+        QCOMPARE(strip()->cursor().shape(), Qt::ArrowCursor);
+        hover(centreOf("RIHandle"));
+        QCOMPARE(strip()->cursor().shape(), Qt::SizeHorCursor);
+
         // Dragged off the strip, it goes.
         drag(QPoint(strip()->xForTwips(3 * kInch), y), QPoint(strip()->xForTwips(3 * kInch), strip()->height() + 40));
         QCOMPARE(tabsOfParagraph(1), QList<int>{4 * kInch});
@@ -284,6 +302,28 @@ private slots:
         control().core().refreshRuler();
         QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(0));
         QVERIFY(control().core().ruler().marks().tabStops.isEmpty());
+
+        // As the user moves the caret: arrow keys and clicks in the editor.
+        auto *area = qobject_cast<QAbstractScrollArea *>(surface().widget());
+        QVERIFY(area);
+        surface().setFocus();
+        QTest::keyClick(area->viewport(), Qt::Key_Down);
+        QCOMPARE(surface().paraFormatAt(surface().selStart()).leftIndent.value_or(0), 2 * kInch);
+        QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(2 * kInch));
+        QTest::keyClick(area->viewport(), Qt::Key_Up);
+        QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(0));
+        int clickY = 0;
+        for (int y = 0; y < area->viewport()->height(); ++y) {
+            if (surface().charFromPoint(QPoint(200, y)) >= 6 && surface().charFromPoint(QPoint(200, y)) <= 14) {
+                clickY = y;
+                break;
+            }
+        }
+        QVERIFY(clickY > 0);
+        QTest::mouseClick(area->viewport(), Qt::LeftButton, {}, QPoint(200, clickY));
+        QCOMPARE(part("LIHandle")->geometry().center().x(), strip()->xForTwips(2 * kInch));
+        surface().setSelStart(1);
+        control().core().refreshRuler();
 
         // Undo brings the handles back with the paragraph.
         drag(centreOf("LIHandle"), centreOf("LIHandle") + QPoint(kPixelsPerInch, 0));

@@ -1,11 +1,13 @@
 // Tests of misspelling detection on a control's document and of moving between misspelt words.
 
+#include "clirun.h"
 #include "core/threadstate.h"
 #include "corefixture.h"
 #include "findreplace/findreplace.h"
 #include "spelling/misspellings.h"
 #include "testregistry.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace kvrtb;
@@ -101,6 +103,15 @@ private slots:
         // The editor is not touched.
         QCOMPARE(f.surface().text(), QStringLiteral("The qwzxv sat"));
         QCOMPARE(f.core.progress(), 0);
+    }
+
+    void hugeSingleLine()
+    {
+        // 10 MB in one paragraph: every pattern runs over all of it without giving up early.
+        CoreFixture f;
+        QString line = QStringLiteral("1234567 www.example.com/x ").repeated(10 * 1024 * 1024 / 26);
+        line += QStringLiteral("Assn.x qwzxv");
+        QCOMPARE(misspelt(f, line), QStringList{QStringLiteral("qwzxv")});
     }
 
     void pendingInputPassesWordsOver()
@@ -238,6 +249,41 @@ private slots:
         // The zones follow the text when it changes.
         f.surface().setText(QStringLiteral("plain words only"));
         QVERIFY(!m.DetectNotWords(url));
+    }
+    void spellCommand()
+    {
+#ifndef KVRTB_CLI
+        QFAIL("The command-line tool is not part of this build.");
+#else
+        using kvrtb::test::runCli;
+        const QString cli = QStringLiteral(KVRTB_CLI);
+        // Standard input: text order, duplicates included, addresses and "word:" left out.
+        kvrtb::test::CliRun r = runCli(cli, {QStringLiteral("spell"), QStringLiteral("-")},
+                                       "Teh cat, teh www.qwzxv.com qwzxv: Teh caf\xC3\xA9 qw\xC3\xA9zx\n");
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.out, QString::fromUtf8("Teh\nteh\nTeh\nqw\xC3\xA9zx\n"));
+        r = runCli(cli, {QStringLiteral("spell"), QStringLiteral("-")}, "");
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.out, QString());
+
+        // A file (RTF by its suffix): its text is what is checked, not its markup.
+        QTemporaryDir dir;
+        QVERIFY(dir.isValid());
+        const QString path = dir.filePath(QStringLiteral("doc.rtf"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Teh \\b qwzxv\\b0  cat\\par qwzxv}");
+        file.close();
+        r = runCli(cli, {QStringLiteral("spell"), path});
+        QCOMPARE(r.code, 0);
+        QCOMPARE(r.out, QStringLiteral("Teh\nqwzxv\nqwzxv\n"));
+
+        r = runCli(cli, {QStringLiteral("spell"), dir.filePath(QStringLiteral("missing.txt"))});
+        QCOMPARE(r.code, 3);
+        QVERIFY(!r.err.isEmpty());
+        r = runCli(cli, {QStringLiteral("spell")});
+        QCOMPARE(r.code, 2);
+#endif
     }
 };
 

@@ -6,10 +6,10 @@
 #include "spelling/thesaurus.h"
 #include "spelling/windows1252.h"
 #include "spelling/wordlists.h"
+#include "clirun.h"
 #include "testregistry.h"
 
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -657,28 +657,9 @@ void TestSpelling::commandLineWordLists()
 #ifndef KVRTB_CLI
     QSKIP("The command-line tool is not part of this build.");
 #else
-    struct Run {
-        int code = -1;
-        QString out;
-        QString err;
-    };
+    using Run = kvrtb::test::CliRun;
     auto run = [](const QStringList &args, const QByteArray &input = QByteArray()) {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-        process.setProcessEnvironment(env);
-        process.start(QStringLiteral(KVRTB_CLI), args);
-        Run result;
-        if (!process.waitForStarted(10000))
-            return result;
-        process.write(input);
-        process.closeWriteChannel();
-        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-            return result;
-        result.code = process.exitCode();
-        result.out = QString::fromUtf8(process.readAllStandardOutput());
-        result.err = QString::fromUtf8(process.readAllStandardError());
-        return result;
+        return kvrtb::test::runCli(QStringLiteral(KVRTB_CLI), args, input);
     };
 
     // check: unknown words one a line; an empty argument is no word; both apostrophes known.

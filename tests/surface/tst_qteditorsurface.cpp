@@ -64,6 +64,15 @@ private slots:
         QCOMPARE(s->textRange(15, 100), QStringLiteral("our"));
         QCOMPARE(s->textRange(-5, 3), QStringLiteral("one"));
         QCOMPARE(s->textRange(100, 3), QString());
+        // Only the paragraph break becomes a line feed: no-break spaces and line separators
+        // read back as they were written, in the whole text, a range and the selection.
+        const QString special = QStringLiteral("a\u00A0b\u2028c\nd");
+        s->setText(special);
+        QCOMPARE(s->text(), special);
+        QCOMPARE(s->textLength(), 7);
+        QCOMPARE(s->textRange(1, 3), QStringLiteral("\u00A0b\u2028"));
+        s->setSelection(0, -1);
+        QCOMPARE(s->selectedText(), special);
         // New text takes the default format, whatever stood at the caret before.
         CharFormat bold;
         bold.bold = true;
@@ -149,7 +158,7 @@ private slots:
         cursor.insertText(QString(QChar::LineSeparator));
         QCOMPARE(s->lineCount(), 4);
         QCOMPARE(s->lineLength(0), 5);
-        QCOMPARE(s->text().left(6), QStringLiteral("alpha\n"));
+        QCOMPARE(s->text().left(6), QStringLiteral("alpha\u2028"));
     }
 
     void minusOneConventionsAndEmptyDocument()
@@ -471,6 +480,50 @@ private slots:
         QCOMPARE(s->selectionCharFormat().bold, std::optional<bool>(true));
         s->setSelection(0, 3);
         QCOMPARE(s->selectionCharFormat().bold, std::optional<bool>(false));
+    }
+
+    void caseChangesKeepLengthAndWords_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("title, typographic apostrophe") << QStringLiteral("don\u2019t stop") << 2
+                                                       << QStringLiteral("Don\u2019t Stop");
+        QTest::newRow("title, quoted word") << QStringLiteral("say \u2018hi\u2019 now 2nd") << 2
+                                            << QStringLiteral("Say \u2018Hi\u2019 Now 2nd");
+        QTest::newRow("upper, sharp s keeps its length") << QStringLiteral("stra\u00DFe bold") << 1
+                                                         << QStringLiteral("STRA\u00DFE BOLD");
+        // Deseret letters lie outside the Basic Multilingual Plane (surrogate pairs).
+        QTest::newRow("upper, surrogate pairs") << QStringLiteral("\U00010428x \U00010429") << 1
+                                                << QStringLiteral("\U00010400X \U00010401");
+        QTest::newRow("lower, surrogate pairs") << QStringLiteral("\U00010400X") << 0
+                                                << QStringLiteral("\U00010428x");
+        QTest::newRow("title, surrogate pairs") << QStringLiteral("\U00010428\U00010428 \U00010400\U00010400") << 2
+                                                << QStringLiteral("\U00010400\U00010428 \U00010400\U00010428");
+        QTest::newRow("toggle, surrogate pairs") << QStringLiteral("\U00010428\U00010401a") << 5
+                                                 << QStringLiteral("\U00010400\U00010429A");
+    }
+
+    void caseChangesKeepLengthAndWords()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, kind);
+        QFETCH(QString, expected);
+        auto s = makeSurface();
+        s->setText(text);
+        // The last character is bold; it stays bold, in its place.
+        CharFormat bold;
+        bold.bold = true;
+        const int tail = text.back().isLowSurrogate() ? 2 : 1;
+        const int last = int(text.size()) - tail;
+        s->setRangeCharFormat(last, tail, bold);
+        s->setSelection(0, -1);
+        s->changeCase(kind);
+        QCOMPARE(s->text(), expected);
+        QCOMPARE(s->selStart(), 0);
+        QCOMPARE(s->selLength(), int(text.size()));
+        QCOMPARE(s->rangeCharFormat(last, tail).bold, std::optional<bool>(true));
+        QCOMPARE(s->rangeCharFormat(0, last).bold, std::optional<bool>(false));
     }
 
     void nestedFreeze()

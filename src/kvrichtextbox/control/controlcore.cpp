@@ -15,6 +15,7 @@
 #include "ruler/ruler.h"
 #include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
+#include "syntax/syntax.h"
 
 #include <QWidget>
 
@@ -34,6 +35,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_editCommands = std::make_unique<EditCommands>(*this);
     m_hyperlinks = std::make_unique<Hyperlinks>(*this);
     m_documents = std::make_unique<Documents>(*this); // after EditCommands: it hooks the paste clean-up
+    m_syntax = std::make_unique<Syntax>(*this);
     m_editorInput = std::make_unique<EditorInput>(*this);
     // A load forgets the control's mark of an undo snapshot, and the ruler follows the caret
     // after it through the one ruler hook.

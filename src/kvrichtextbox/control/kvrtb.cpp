@@ -328,8 +328,10 @@ void KvRTB::KillSwitch()
 
 void KvRTB::Word_Wrap(const bool &Wrap, const bool &RulerWrap)
 {
-    // The wrapping mode is recorded first, so that the command's `Finish` and `Ready` come last.
-    setMyWrapStyle(!Wrap ? NoWrap : RulerWrap ? kvrtb::RulerWrap : WindowWrap);
+    // The wrapping mode is recorded as it stands, without the notices of a property set by
+    // the host (`PropertyChanged`, `UpdateParentMenu`): the command raises `Finish` and `Ready`
+    // only.
+    m_core->properties().MyWrapStyle = !Wrap ? NoWrap : RulerWrap ? kvrtb::RulerWrap : WindowWrap;
     m_core->editCommands().Word_Wrap(Wrap, RulerWrap);
 }
 

@@ -221,6 +221,9 @@ public:
     /// null when mixed or when there is no such stop.
     Q_INVOKABLE QVariant SelTabs(int e_ellmt) const;
 
+    /// The editor's native window id (`RichTextBox1`), 0 while it has none. Reading it leaves
+    /// the editor as it is: a host that needs a native window calls `winId()` on
+    /// `RichTextBox1().widget()` itself, and `hwnd` gives that id from then on.
     qulonglong hwnd() const;
 
     // --- Printing settings (run time, not persisted) ------------------------------------------
@@ -343,7 +346,8 @@ public slots:
     // --- Change tracking --------------------------------------------------------------------
     /// True when the document changed since it was loaded, saved or last marked.
     bool HasRTBChanged() const;
-    /// Marks the document changed or unchanged (unchanged when the argument is omitted).
+    /// Marks the document changed or unchanged. With the argument omitted it marks it
+    /// unchanged, as after a save.
     void SetRTBChanged(const bool &BoolValQ = false);
 
     // --- Documents --------------------------------------------------------------------------
@@ -588,8 +592,17 @@ signals:
     void DblClick();
     void SelChange();
     void Change();
+    /// A key went down in the editor, before the control's own shortcuts. `KeyCode` is the
+    /// platform's virtual-key code (keypad keys their own, 96..111; a character without a key
+    /// of its own, such as "é", 231), `Shift` 1 Shift, 2 Ctrl, 4 Alt. A directly connected
+    /// handler may change both: 0 stops the key; another code makes the editor act on that
+    /// key instead, translated back to a key through the same table (a code with no key there
+    /// stops the key, as 0 does).
     void KeyDown(short &KeyCode, short &Shift);
+    /// A character is about to be typed (13 for Enter, 9 for Tab); a handler may change it, 0
+    /// drops it.
     void KeyPress(short &KeyAscii);
+    /// A key went up; the control's typing follow-up comes after, then `Finish` and `Ready`.
     void KeyUp(short &KeyCode, short &Shift);
     /// Coordinates are twips from the editor's top-left corner.
     void MouseDown(short &Button, short &Shift, float &X, float &Y);

@@ -24,6 +24,7 @@ class Printing;
 class Ruler;
 class SpecialUndo;
 class SpellingCorrections;
+class Syntax;
 class WhatsThisHelp;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
@@ -67,6 +68,8 @@ public:
     Hyperlinks &hyperlinks() { return *m_hyperlinks; }
     /// Loading and saving documents, the file dialogs and the enciphered-file test.
     Documents &documents() { return *m_documents; }
+    /// Keyword colouring of VB6, VB.NET and the host's own patterns.
+    Syntax &syntax() { return *m_syntax; }
     /// The control's key and mouse handling, typing follow-up and pop-up menu: the listener of
     /// the visible surface once the widget connects it.
     EditorInput &editorInput() { return *m_editorInput; }
@@ -114,6 +117,7 @@ private:
     std::unique_ptr<EditCommands> m_editCommands;
     std::unique_ptr<Hyperlinks> m_hyperlinks;
     std::unique_ptr<Documents> m_documents;
+    std::unique_ptr<Syntax> m_syntax;
     std::unique_ptr<EditorInput> m_editorInput;
     std::unique_ptr<Misspellings> m_misspellings;
     std::unique_ptr<FindReplace> m_findReplace;

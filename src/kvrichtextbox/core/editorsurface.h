@@ -220,6 +220,15 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief A same-length rewrite: the characters from `start` become those of `text`.
+    struct TextRewrite {
+        int start = 0;
+        QString text;
+    };
+    /// Replaces characters one for one (a case change, say), each new character keeping the
+    /// format of the one it replaces; paragraph breaks inside a range stay as they are. The
+    /// whole list is one edit, like `applyCharFormats`; the selection does not move.
+    virtual void rewriteCharacters(const QList<TextRewrite> &rewrites) = 0;
     /// \brief One replacement of a batch: [start, start + length) becomes `text`.
     struct TextReplacement {
         int start = 0;
@@ -264,6 +273,10 @@ public:
     virtual int textOriginX() const = 0;
     /// The position nearest to a viewport pixel point.
     virtual int charFromPoint(const QPoint &point) const = 0;
+    /// Scrolls so that the display line holding \a position is the first one visible (as far
+    /// as the view can scroll). Lays the document out only down to that line, so it stays quick
+    /// right after a change of the whole document's format.
+    virtual void scrollToPosition(int position) = 0;
     /// Vertical scroll offset in pixels, and setting it back.
     virtual int scrollOffset() const = 0;
     virtual void setScrollOffset(int pixels) = 0;
@@ -289,6 +302,13 @@ public:
     /// every call gives a new number.
     virtual quint64 revision() const = 0;
     virtual void setModified(bool modified) = 0;
+    /// A number that grows with every change of the document by at least as many characters
+    /// as the change may have added to `rtf()`: between two readings, `rtf()` cannot have
+    /// grown by more than their difference, so a caller that measured the RTF once can bound
+    /// its length later without writing it again. Changes it cannot bound (pictures, long
+    /// insertions, the default font, anything while frozen) add `kUnboundedRtfGrowth`.
+    virtual quint64 rtfGrowthAllowance() const = 0;
+    static constexpr quint64 kUnboundedRtfGrowth = quint64(1) << 40;
     /// True when `undo` would change the document.
     virtual bool canUndo() const = 0;
     /// Undoes the last edit; called again right after, it redoes it (one toggling step).
@@ -337,7 +357,9 @@ public:
     virtual void setToolTip(const QString &tip) = 0;
     virtual void setFocus() = 0;
     virtual void refresh() = 0;
-    /// The native window id of the editor.
+    /// The native window id of the editor, 0 while it has none. Reading it never creates one
+    /// (child widgets are drawn in their top-level window until something asks for a native
+    /// window of their own, e.g. `QWidget::winId()` called by the host).
     virtual quintptr windowHandle() const = 0;
     /// The editor widget, for placing it in the control's layout.
     virtual QWidget *widget() const = 0;

@@ -25,7 +25,9 @@ const QRegularExpression &ContentCleanup::picturePattern()
 
 const QRegularExpression &ContentCleanup::tagPattern()
 {
-    thread_local const QRegularExpression pattern(QStringLiteral("<[^<>]{2,}>"),
+    // A tag lies within one paragraph: a "<" in one paragraph and a ">" some paragraphs later
+    // ("P<0.05" ... "(>140 cm)") enclose the user's text, not markup.
+    thread_local const QRegularExpression pattern(QStringLiteral("<[^<>\n]{2,}>"),
                                                   QRegularExpression::CaseInsensitiveOption);
     return pattern;
 }

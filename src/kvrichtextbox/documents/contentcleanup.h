@@ -28,7 +28,8 @@ public:
     /// silently on a repeated group spanning a picture of some hundred kilobytes, while these
     /// forms match on inputs of any size with the same result.
     static const QRegularExpression &picturePattern();
-    /// Markup tags: "<" and ">" around at least two characters that are neither.
+    /// Markup tags: "<" and ">" around at least two characters that are neither, within one
+    /// paragraph (a tag never spans a paragraph break).
     static const QRegularExpression &tagPattern();
 
     /// True when \a rtf holds a picture group ("{\pict\").

@@ -1,10 +1,16 @@
 #include "documents/fileinuse.h"
 
+#include "documents/filedescriptor.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
+#include <QSysInfo>
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -13,23 +19,6 @@
 namespace kvrtb {
 
 namespace {
-
-/// Closes a descriptor on every path.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int fd) : m_fd(fd) {}
-    ~FileDescriptor()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    FileDescriptor(const FileDescriptor &) = delete;
-    FileDescriptor &operator=(const FileDescriptor &) = delete;
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 bool hasConflictingRecordLock(int fd)
 {
@@ -59,6 +48,71 @@ bool hasConflictingFlock(int fd)
     return errno == EWOULDBLOCK;
 }
 
+/// The real path of \a path (links resolved), empty when it does not exist.
+QByteArray realPath(const QString &path)
+{
+    char resolved[PATH_MAX];
+    if (!::realpath(QFile::encodeName(path).constData(), resolved))
+        return QByteArray();
+    return QByteArray(resolved);
+}
+
+/// True when a process on this machine has one of \a paths open (the descriptors listed under
+/// /proc; without the rights to see another user's, those are not seen).
+bool isOpenByAnyProcess(const QSet<QByteArray> &paths)
+{
+    const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &pid : processes) {
+        bool numeric = false;
+        pid.toInt(&numeric);
+        if (!numeric)
+            continue;
+        const QString fdDir = QStringLiteral("/proc/") + pid + QStringLiteral("/fd");
+        const QStringList descriptors = QDir(fdDir).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+        for (const QString &fd : descriptors) {
+            char target[PATH_MAX];
+            const QByteArray link = QFile::encodeName(fdDir + QLatin1Char('/') + fd);
+            const ssize_t n = ::readlink(link.constData(), target, sizeof target - 1);
+            if (n > 0 && paths.contains(QByteArray(target, int(n))))
+                return true;
+        }
+    }
+    return false;
+}
+
+bool hasAnyLock(const QString &path)
+{
+    FileDescriptor fd(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    return fd.get() >= 0 && (hasConflictingRecordLock(fd.get()) || hasConflictingFlock(fd.get()));
+}
+
+/// Whether the office-suite lock file \a lockPath of \a path is held by a running program.
+/// The file reads "name,user,host,date,folder;". A lock written on another machine counts
+/// (its programs cannot be seen from here); one written on this machine counts while some
+/// program here keeps the document or the lock file open or locked. A lock file left behind
+/// by a program that ended does not.
+bool isLockFileHeld(const QString &path, const QString &lockPath)
+{
+    QFile lockFile(lockPath);
+    QString host;
+    if (lockFile.open(QIODevice::ReadOnly)) {
+        const QString content = QString::fromUtf8(lockFile.read(4096));
+        const QStringList fields = content.section(QLatin1Char(';'), 0, 0).split(QLatin1Char(','));
+        if (fields.size() > 2)
+            host = fields.at(2).trimmed();
+        lockFile.close();
+    }
+    if (!host.isEmpty() && host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) != 0)
+        return true;
+    QSet<QByteArray> paths;
+    for (const QString &candidate : {path, lockPath}) {
+        const QByteArray real = realPath(candidate);
+        if (!real.isEmpty())
+            paths.insert(real);
+    }
+    return hasAnyLock(lockPath) || isOpenByAnyProcess(paths);
+}
+
 } // namespace
 
 QString officeLockFilePath(const QString &path)
@@ -71,7 +125,8 @@ bool isFileInUse(const QString &path)
 {
     if (path.isEmpty())
         return false;
-    if (QFileInfo::exists(officeLockFilePath(path)))
+    const QString lockPath = officeLockFilePath(path);
+    if (QFileInfo::exists(lockPath) && isLockFileHeld(path, lockPath))
         return true;
     const QByteArray native = QFile::encodeName(path);
     FileDescriptor fd(::open(native.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));

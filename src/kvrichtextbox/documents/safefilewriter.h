@@ -7,14 +7,24 @@
 
 namespace kvrtb {
 
-/// \brief Writes a whole file so that a failure never loses the file it replaces.
+/// \brief Writes a whole file so that a failure never loses the file it replaces, and a
+/// success keeps what the file was.
 ///
-/// The bytes go to a new file beside the target, are flushed to the disk, take the target's
-/// permissions (or those a new file would get), and the new file is renamed over the target;
-/// the folder is flushed too. A target whose own permissions forbid writing is never replaced,
-/// although the rename into a writable folder would succeed, nor is a folder, pipe, socket or
-/// device in the target's place (error 75). Symbolic links are followed, chains
-/// of them too: the file they end at is replaced (or created, for a dangling link), the links
+/// Where it is safe, the bytes go to a new file beside the target, are flushed to the disk,
+/// take the target's permissions, owner and group (or those a new file would get), and the new
+/// file is renamed over the target; the folder is flushed too. That needs a target with one
+/// name and no extended attributes (an access control list is one), a folder the user may
+/// create files in, a new file that can take the target's owner and group, and a rename the
+/// folder allows (a sticky folder allows it only for the owner's files). Otherwise the target
+/// is written in place: its previous content is first copied to a backup (beside it, or in the
+/// temporary folder when its folder is closed to the user), and a write that fails puts it
+/// back; the backup is removed once the file holds either content, and kept (named in the
+/// reason) only when even putting it back fails. Hard links, owner, permissions and attributes
+/// stay as they were.
+///
+/// A target whose own permissions forbid writing is never written, nor is a folder, pipe,
+/// socket or device in the target's place (error 75). Symbolic links are followed, chains of
+/// them too: the file they end at is written (or created, for a dangling link), the links
 /// stay.
 class SafeFileWriter {
 public:

@@ -28,6 +28,20 @@ QString trimSpaces(const QString &text)
     return text.mid(from, to - from);
 }
 
+/// A line of its own that is a carriage return and "\par ".
+const QString kBreakLine = QStringLiteral("\r\\par ");
+
+/// True when \a rtf has a line equal to `kBreakLine`.
+bool hasBreakLine(const QString &rtf)
+{
+    for (qsizetype at = rtf.indexOf(kBreakLine); at >= 0; at = rtf.indexOf(kBreakLine, at + 1)) {
+        const qsizetype end = at + kBreakLine.size();
+        if ((at == 0 || rtf.at(at - 1) == QLatin1Char('\n')) && (end == rtf.size() || rtf.at(end) == QLatin1Char('\n')))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 SpecialUndo::SpecialUndo(ControlCore &core)
@@ -37,14 +51,15 @@ SpecialUndo::SpecialUndo(ControlCore &core)
 
 QString SpecialUndo::CaptureUndoSnapshot(const EditorSurface &surface)
 {
-    const QString plain = surface.text();
     const QString rtf = surface.rtf();
-    if (plain.isEmpty())
+    // Only a line that is exactly a carriage return and "\par " can be dropped; when the RTF
+    // holds none, the snapshot is the RTF as it stands, found without splitting either text.
+    if (surface.textLength() == 0 || !hasBreakLine(rtf))
         return rtf;
+    const QString plain = surface.text();
 
     QStringList rtfLines = rtf.split(QLatin1Char('\n'));
     const QStringList plainLines = plain.split(QLatin1Char('\n'));
-    const QString breakLine = QStringLiteral("\r\\par ");
     int cursor = 0;
     bool inBody = false;
     bool dropped = false;
@@ -53,7 +68,7 @@ QString SpecialUndo::CaptureUndoSnapshot(const EditorSurface &surface)
             inBody = line.contains(QLatin1String("\\pard\\"));
         if (!inBody)
             continue;
-        if (line == breakLine) {
+        if (line == kBreakLine) {
             const QString under = cursor >= 0 && cursor < plainLines.size() ? plainLines.at(cursor) : QString();
             if (!under.isEmpty() && under != QLatin1String("\r")) {
                 line = kSentinel;

@@ -42,10 +42,19 @@ public:
     static bool isWholeWordAt(QStringView text, qsizetype position, qsizetype length);
 
 private:
+    /// The first occurrence of the searched text (whole word or not) starting in
+    /// [from, lastStart], or -1.
+    qsizetype occurrenceFrom(QStringView text, qsizetype from, qsizetype lastStart) const;
+
     QString m_what;
     Qt::CaseSensitivity m_case;
     bool m_wholeWord;
     QStringMatcher m_matcher;
+    /// The forms the first character of an occurrence can take (one, or the two cases of an
+    /// ASCII letter), scanned for directly, which is far faster than a general matcher. Empty
+    /// when the first character folds in ways two forms do not cover (e.g. "k" and "s", which
+    /// the Kelvin sign and the long s also fold to): the matcher searches then.
+    QString m_firstForms;
 };
 
 } // namespace kvrtb

@@ -138,12 +138,16 @@ bool Hyperlinks::IsDocumentTooLargeForLinking() const
     // Every position of the text takes at least one character of RTF.
     if (surface.textLength() > kLargeDocumentRtfLength)
         return true;
-    // Key releases that change nothing (caret movement, modifiers) find the length known.
-    const quint64 revision = surface.revision();
-    if (m_rtfLength < 0 || revision != m_rtfLengthRevision) {
-        m_rtfLength = surface.rtf().size();
-        m_rtfLengthRevision = revision;
+    // While what the document can have grown by since the last measurement keeps it under the
+    // limit, the answer is known without writing the RTF: typing writes it about once in a
+    // thousand keys instead of on every key.
+    if (m_rtfLength >= 0 && m_rtfLength <= kLargeDocumentRtfLength) {
+        const quint64 growth = surface.rtfGrowthAllowance() - m_rtfLengthAllowance;
+        if (growth <= quint64(kLargeDocumentRtfLength - m_rtfLength))
+            return false;
     }
+    m_rtfLengthAllowance = surface.rtfGrowthAllowance();
+    m_rtfLength = surface.rtf().size();
     return m_rtfLength > kLargeDocumentRtfLength;
 }
 
@@ -209,9 +213,15 @@ void Hyperlinks::ClearTrailingLinkMarker(int caret)
         state.lastUndoKind = HyperLinkUD;
         EmptyEditorUndoBuffer();
         // Moving the caret resets the typing format; with the caret back at the very end, what
-        // is typed next must still come without the marker.
-        if (surface.selLength() == 0 && surface.selStart() == surface.textLength() && surface.freezeCount() == 0)
-            surface.setSelectionCharFormat(clear);
+        // is typed or pasted next must still come without the marker, and outside the link
+        // (also while a paste holds the display frozen: the frozen caret carries the format to
+        // the editor).
+        if (surface.selLength() == 0 && surface.selStart() == surface.textLength()) {
+            CharFormat plain = clear;
+            plain.linkEffect = false;
+            plain.linkAddress = QString();
+            surface.setSelectionCharFormat(plain);
+        }
     }
 }
 

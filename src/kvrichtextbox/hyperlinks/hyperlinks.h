@@ -70,7 +70,8 @@ public:
 
     /// True when the document's RTF is longer than `kLargeDocumentRtfLength`: too large (or
     /// holding pictures) for linking on every key release. The RTF is written only when the
-    /// text alone does not already settle it and the document changed since the last time.
+    /// answer could have changed: the text alone may settle it, and after a measurement the
+    /// surface's growth allowance bounds how long the RTF can have become since.
     bool IsDocumentTooLargeForLinking() const;
 
     /// Title and text of the box that says automatic linking was switched off.
@@ -85,9 +86,10 @@ private:
     void openWithDesktop(const QString &address, QString *errorData);
 
     ControlCore &m_core;
-    /// The RTF length of the document at surface revision `m_rtfLengthRevision`.
+    /// The RTF length of the document when the surface's growth allowance was
+    /// `m_rtfLengthAllowance` (-1: not measured yet).
     mutable qsizetype m_rtfLength = -1;
-    mutable quint64 m_rtfLengthRevision = 0;
+    mutable quint64 m_rtfLengthAllowance = 0;
 };
 
 } // namespace kvrtb

@@ -3,3 +3,5 @@
 target_sources(kvrichtextbox PRIVATE ${CMAKE_CURRENT_LIST_DIR}/dictionary/dictionary.qrc)
 # The end-user help document and the click sound.
 target_sources(kvrichtextbox PRIVATE ${CMAKE_CURRENT_LIST_DIR}/control.qrc)
+# The keyword lists of the colouring pass (string-table entries 102 and 103).
+target_sources(kvrichtextbox PRIVATE ${CMAKE_CURRENT_LIST_DIR}/syntax/keywords.qrc)

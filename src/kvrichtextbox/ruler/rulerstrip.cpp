@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -46,6 +47,12 @@ private:
     std::function<void(QPainter &, const QRect &)> m_paint;
 };
 
+// True when a press at \a pos takes \a handle (a little beside it counts).
+bool gripsHandle(const QWidget *handle, const QPoint &pos)
+{
+    return handle->isVisible() && handle->geometry().adjusted(-2, -2, 2, 2).contains(pos);
+}
+
 // An indent handle: a triangle pointing down (at the top of the strip) or up (at the bottom).
 void paintHandle(QPainter &painter, const QRect &area, bool pointsDown, const QPalette &palette)
 {
@@ -73,6 +80,7 @@ RulerStrip::RulerStrip(Ruler &ruler, EditorSurface &surface, QWidget *parent)
 {
     setObjectName(QStringLiteral("MasterPic"));
     setFocusPolicy(Qt::ClickFocus);
+    setMouseTracking(true);
     setAutoFillBackground(true);
     setToolTip(tr("Drag the triangles to indent the paragraph; click to add a tab stop, drag one off to remove it."));
     m_shade = new RulerLayer("ShadeRulerPic", this, [this](QPainter &p, const QRect &) { paintShading(p); });
@@ -253,40 +261,51 @@ void RulerStrip::mousePressEvent(QMouseEvent *event)
     }
     const QPoint pos = event->position().toPoint();
     m_drag = Drag();
-    auto grips = [pos](QWidget *handle) { return handle->geometry().adjusted(-2, -2, 2, 2).contains(pos); };
-    if (grips(m_firstLine)) {
+    if (gripsHandle(m_firstLine, pos)) {
         m_drag.kind = DragKind::FirstLine;
         m_drag.startTwips = m_ruler.marks().firstLine;
-    } else if (grips(m_otherLines)) {
+    } else if (gripsHandle(m_otherLines, pos)) {
         m_drag.kind = DragKind::OtherLines;
         m_drag.startTwips = m_ruler.marks().otherLines;
-    } else if (grips(m_right)) {
+    } else if (gripsHandle(m_right, pos)) {
         m_drag.kind = DragKind::RightIndent;
         m_drag.startTwips = m_ruler.rightMargin() - m_ruler.marks().rightIndent;
+    } else if (const std::optional<int> stop = tabStopAt(pos)) {
+        m_drag.kind = DragKind::Tab;
+        m_drag.startTwips = *stop;
     } else {
-        for (int stop : m_ruler.marks().tabStops) {
-            if (std::abs(xForTwips(stop) - pos.x()) <= kTabGrip && pos.y() >= height() / 2) {
-                m_drag.kind = DragKind::Tab;
-                m_drag.startTwips = stop;
-                break;
-            }
-        }
-        if (m_drag.kind == DragKind::None) {
-            const int at = twipsForX(pos.x());
-            if (at <= 0 || at > m_ruler.rightMargin())
-                return;
-            m_drag.kind = DragKind::Click;
-            m_drag.startTwips = m_ruler.snap(at);
-        }
+        const int at = twipsForX(pos.x());
+        if (at <= 0 || at > m_ruler.rightMargin())
+            return;
+        m_drag.kind = DragKind::Click;
+        m_drag.startTwips = m_ruler.snap(at);
     }
     m_drag.currentTwips = m_drag.startTwips;
 }
 
+std::optional<int> RulerStrip::tabStopAt(const QPoint &pos) const
+{
+    for (int stop : m_ruler.marks().tabStops) {
+        if (std::abs(xForTwips(stop) - pos.x()) <= kTabGrip && pos.y() >= height() / 2)
+            return stop;
+    }
+    return std::nullopt;
+}
+
+bool RulerStrip::isOverMark(const QPoint &pos) const
+{
+    return gripsHandle(m_firstLine, pos) || gripsHandle(m_otherLines, pos) || gripsHandle(m_right, pos)
+           || tabStopAt(pos).has_value();
+}
+
 void RulerStrip::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_drag.kind == DragKind::None || m_drag.kind == DragKind::Click)
-        return;
     const QPoint pos = event->position().toPoint();
+    if (m_drag.kind == DragKind::None || m_drag.kind == DragKind::Click) {
+        // Over a handle or a tab stop the pointer says it can be dragged sideways.
+        setCursor(!m_ruler.isCleared() && isOverMark(pos) ? Qt::SizeHorCursor : Qt::ArrowCursor);
+        return;
+    }
     const int margin = m_ruler.rightMargin();
     const int at = twipsForX(pos.x());
     // The right indent is measured from the margin, so it snaps from there.

@@ -67,6 +67,10 @@ private:
     int shownRightIndentX() const;
     QList<int> shownTabStops() const;
     void cancelDrag();
+    /// The tab stop (twips) a press at \a pos takes, if any.
+    std::optional<int> tabStopAt(const QPoint &pos) const;
+    /// True when \a pos is on an indent handle or a tab stop.
+    bool isOverMark(const QPoint &pos) const;
 
     Ruler &m_ruler;
     EditorSurface &m_surface;

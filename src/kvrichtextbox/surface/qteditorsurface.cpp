@@ -22,18 +22,15 @@ namespace kvrtb {
 
 namespace {
 
-// The document's own separators, as the surface's plain text shows them.
+// The document's own separators, as the surface's plain text shows them: a paragraph break
+// (and the start or end of a table's frame) is a line feed. Every other character is kept as
+// the document holds it, so no-break spaces and line separators survive a plain-text round
+// trip.
 QString plainFromDocument(QString text)
 {
     for (QChar &c : text) {
-        switch (c.unicode()) {
-        case 0xFDD0: // beginning of a frame (a table)
-        case 0xFDD1: // end of a frame
-        case QChar::ParagraphSeparator:
-        case QChar::LineSeparator: c = QLatin1Char('\n'); break;
-        case QChar::Nbsp: c = QLatin1Char(' '); break;
-        default: break;
-        }
+        if (surfacedetail::isParagraphBreak(c))
+            c = QLatin1Char('\n');
     }
     return text;
 }
@@ -82,6 +79,31 @@ Qt::CursorShape cursorShape(MousePointer pointer)
     return Qt::IBeamCursor;
 }
 
+/// How much a change of the document may lengthen its RTF at most. The writer spends on a
+/// character at most its own escape and, when its format differs from its neighbours', a run
+/// of control words and a link field around it (well under `kRtfPerCharacter`); a change may
+/// add entries to the font and colour tables (`kRtfPerChange`); a new paragraph repeats its
+/// paragraph's properties, tab stops included (`kRtfPerParagraph`). Pictures cost their bytes
+/// and long insertions are not looked at: both count as unbounded.
+quint64 rtfGrowthOfChange(const QTextDocument &document, int from, int removed, int added)
+{
+    constexpr int kLongestLookedAt = 256;
+    constexpr quint64 kRtfPerChange = 1024;
+    constexpr quint64 kRtfPerCharacter = 512;
+    constexpr quint64 kRtfPerParagraph = 16384;
+    if (added > kLongestLookedAt)
+        return EditorSurface::kUnboundedRtfGrowth;
+    quint64 growth = kRtfPerChange + kRtfPerCharacter * quint64(std::max(0, added) + std::max(0, removed));
+    for (int position = from; position < from + added; ++position) {
+        const QChar c = document.characterAt(position);
+        if (c == QChar::ObjectReplacementCharacter)
+            return EditorSurface::kUnboundedRtfGrowth;
+        if (c == QChar::ParagraphSeparator)
+            growth += kRtfPerParagraph;
+    }
+    return growth;
+}
+
 } // namespace
 
 QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new SurfaceTextEdit(parent))
@@ -122,9 +144,10 @@ QTextDocument *QtEditorSurface::document() const
     return m_edit->document();
 }
 
-void QtEditorSurface::onContentsChange(int, int, int)
+void QtEditorSurface::onContentsChange(int from, int removed, int added)
 {
     ++m_revision;
+    m_rtfAllowance += rtfGrowthOfChange(*document(), from, removed, added);
     m_modified = true;
     markLinesDirty();
 }
@@ -190,7 +213,9 @@ void QtEditorSurface::withWidgetCursor(Operation operation) const
 
 QString QtEditorSurface::text() const
 {
-    return document()->toPlainText();
+    // Not toPlainText(): that turns no-break spaces into spaces and line separators into
+    // paragraph breaks.
+    return plainFromDocument(document()->toRawText());
 }
 
 void QtEditorSurface::setText(const QString &text)
@@ -530,6 +555,14 @@ quint64 QtEditorSurface::revision() const
     return m_revision;
 }
 
+quint64 QtEditorSurface::rtfGrowthAllowance() const
+{
+    // A frozen surface holds its changes in an open edit whose change signal has not come yet.
+    if (m_freezeCount > 0)
+        m_rtfAllowance += kUnboundedRtfGrowth;
+    return m_rtfAllowance;
+}
+
 bool QtEditorSurface::isModified() const
 {
     flushBatch();
@@ -732,6 +765,7 @@ void QtEditorSurface::setFont(const QFont &font)
     m_edit->setFont(font);
     document()->setDefaultFont(font);
     ++m_revision; // the RTF names the default font
+    m_rtfAllowance += kUnboundedRtfGrowth;
     markLinesDirty();
 }
 
@@ -811,7 +845,9 @@ void QtEditorSurface::refresh()
 
 quintptr QtEditorSurface::windowHandle() const
 {
-    return quintptr(m_edit->winId());
+    // Not winId(): asking for the id that way gives the editor a native window of its own, a
+    // change of the widget that a read must not make.
+    return quintptr(m_edit->internalWinId());
 }
 
 QWidget *QtEditorSurface::widget() const

@@ -52,6 +52,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
     void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
 
@@ -67,6 +68,7 @@ public:
     int lineFromChar(int position) const override;
     int firstVisibleLine() const override;
     void scrollLines(int lines, int columns = 0) override;
+    void scrollToPosition(int position) override;
     QRect formattingRect() const override;
     int textOriginX() const override;
     int charFromPoint(const QPoint &point) const override;
@@ -79,6 +81,7 @@ public:
 
     bool isModified() const override;
     quint64 revision() const override;
+    quint64 rtfGrowthAllowance() const override;
     void setModified(bool modified) override;
     bool canUndo() const override;
     void undo() override;
@@ -160,6 +163,8 @@ private:
     int m_freezeCount = 0;
     /// Counts document changes; see `revision`.
     mutable quint64 m_revision = 0;
+    /// See `rtfGrowthAllowance`.
+    mutable quint64 m_rtfAllowance = 0;
     bool m_modified = false;
     bool m_lastWasUndo = false;   ///< the next undo redoes
     bool m_undoing = false;

@@ -1,4 +1,5 @@
-// The Qt editor surface: Span, UpTo and the case changes of the selection.
+// The Qt editor surface: Span, UpTo, the case changes of the selection and same-length rewrites
+// of characters that keep their formats.
 
 #include "surface/qteditorsurface.h"
 
@@ -51,6 +52,47 @@ void QtEditorSurface::upTo(const QString &set, bool forward, bool negate)
     setSelection(position, 0);
 }
 
+namespace {
+
+/// A code point read from UTF-16 text, and how many units it took.
+struct CodePoint {
+    char32_t value = '\n';
+    int units = 1;
+};
+
+/// The code point that ends just before \a position (a paragraph break before the text).
+CodePoint codePointBefore(const QTextDocument *doc, int position)
+{
+    if (position <= 0)
+        return {};
+    const QChar low = characterAt(doc, position - 1);
+    if (low.isLowSurrogate() && position >= 2) {
+        const QChar high = characterAt(doc, position - 2);
+        if (high.isHighSurrogate())
+            return {QChar::surrogateToUcs4(high, low), 2};
+    }
+    return {low.unicode(), 1};
+}
+
+bool isApostrophe(char32_t c)
+{
+    return c == U'\'' || c == U'\u2019';
+}
+
+bool endsSentence(char32_t c)
+{
+    return c == U'.' || c == U'!' || c == U'?';
+}
+
+/// \a mapped when it takes as many UTF-16 units as the original, else the original: a case
+/// change never changes the length of the text (so selection and formatting keep their place).
+char32_t sameLength(const CodePoint &original, char32_t mapped)
+{
+    return (QChar::requiresSurrogates(mapped) ? 2 : 1) == original.units ? mapped : original.value;
+}
+
+} // namespace
+
 void QtEditorSurface::changeCase(int kind)
 {
     if (kind != 0 && kind != 1 && kind != 2 && kind != 4 && kind != 5)
@@ -62,8 +104,10 @@ void QtEditorSurface::changeCase(int kind)
     const int start = current.selectionStart();
     const int end = current.selectionEnd();
 
-    // Where words and sentences begin depends on what stands before the selection.
-    QChar previous = start > 0 ? characterAt(doc, start - 1) : QLatin1Char('\n');
+    // Where words and sentences begin depends on what stands before the selection. A word goes
+    // on after a letter or digit, and after an apostrophe that follows one ("don't", "don’t").
+    CodePoint previous = codePointBefore(doc, start);
+    bool previousAfterWord = QChar::isLetterOrNumber(codePointBefore(doc, start - previous.units).value);
     bool sentenceStart = true;
     for (int p = start - 1; p >= 0; --p) {
         const QChar c = characterAt(doc, p);
@@ -71,7 +115,7 @@ void QtEditorSurface::changeCase(int kind)
             break;
         if (c.isSpace())
             continue;
-        sentenceStart = c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?');
+        sentenceStart = endsSentence(c.unicode());
         break;
     }
 
@@ -93,56 +137,120 @@ void QtEditorSurface::changeCase(int kind)
 
     QTextCursor work(doc);
     work.beginEditBlock();
-    int delta = 0;
     int lastEnd = start;
     for (const Piece &piece : pieces) {
         // Paragraph breaks between pieces start a new sentence and a new word.
         if (piece.start > lastEnd) {
-            previous = QLatin1Char('\n');
+            previous = CodePoint();
+            previousAfterWord = false;
             sentenceStart = true;
         }
         lastEnd = piece.end;
         QTextCursor read(doc);
-        read.setPosition(piece.start + delta);
-        read.setPosition(piece.end + delta, QTextCursor::KeepAnchor);
+        read.setPosition(piece.start);
+        read.setPosition(piece.end, QTextCursor::KeepAnchor);
         const QString before = read.selectedText();
         QString after;
         after.reserve(before.size());
-        for (const QChar c : before) {
-            QString out(c);
+        for (qsizetype i = 0; i < before.size();) {
+            CodePoint c{before.at(i).unicode(), 1};
+            if (before.at(i).isHighSurrogate() && i + 1 < before.size() && before.at(i + 1).isLowSurrogate())
+                c = {QChar::surrogateToUcs4(before.at(i), before.at(i + 1)), 2};
+            char32_t out = c.value;
             switch (kind) {
-            case 0: out = QString(c).toLower(); break;
-            case 1: out = QString(c).toUpper(); break;
+            case 0: out = QChar::toLower(c.value); break;
+            case 1: out = QChar::toUpper(c.value); break;
             case 2:
-                if (c.isLetter())
-                    out = (previous.isLetter() || previous == QLatin1Char('\'')) ? QString(c).toLower()
-                                                                                 : QString(c).toUpper();
+                if (QChar::isLetter(c.value)) {
+                    const bool inWord = QChar::isLetterOrNumber(previous.value)
+                                        || (isApostrophe(previous.value) && previousAfterWord);
+                    out = inWord ? QChar::toLower(c.value) : QChar::toUpper(c.value);
+                }
                 break;
             case 4:
-                if (c.isLetter()) {
-                    out = sentenceStart ? QString(c).toUpper() : QString(c).toLower();
+                if (QChar::isLetter(c.value)) {
+                    out = sentenceStart ? QChar::toUpper(c.value) : QChar::toLower(c.value);
                     sentenceStart = false;
-                } else if (c == QLatin1Char('.') || c == QLatin1Char('!') || c == QLatin1Char('?')) {
+                } else if (endsSentence(c.value)) {
                     sentenceStart = true;
                 }
                 break;
             case 5:
-                if (c.isUpper())
-                    out = QString(c).toLower();
-                else if (c.isLower())
-                    out = QString(c).toUpper();
+                if (QChar::isUpper(c.value))
+                    out = QChar::toLower(c.value);
+                else if (QChar::isLower(c.value))
+                    out = QChar::toUpper(c.value);
                 break;
             }
-            after += out;
+            out = sameLength(c, out);
+            if (QChar::requiresSurrogates(out)) {
+                after += QChar(QChar::highSurrogate(out));
+                after += QChar(QChar::lowSurrogate(out));
+            } else {
+                after += QChar(char16_t(out));
+            }
+            previousAfterWord = QChar::isLetterOrNumber(previous.value);
             previous = c;
+            i += c.units;
         }
-        if (after != before) {
+        if (after != before)
             read.insertText(after, piece.format);
-            delta += int(after.size() - before.size());
-        }
     }
     work.endEditBlock();
-    setSelection(start, end - start + delta);
+    setSelection(start, end - start);
+}
+
+void QtEditorSurface::rewriteCharacters(const QList<TextRewrite> &rewrites)
+{
+    if (rewrites.isEmpty())
+        return;
+    QTextDocument *doc = document();
+    const int length = textLength();
+    struct Piece {
+        int from;
+        int to;
+        QString text;
+        QTextCharFormat format;
+    };
+    // A selection edge inside a rewritten piece would slide to the piece's start: keep it.
+    const QTextCursor before = cursor();
+    const int anchor = before.anchor();
+    const int position = before.position();
+    QTextCursor batch(doc);
+    batch.beginEditBlock();
+    for (const TextRewrite &rewrite : rewrites) {
+        const int start = std::clamp(rewrite.start, 0, length);
+        const int end = std::clamp(rewrite.start + int(rewrite.text.size()), start, length);
+        // Fragment by fragment, so that every character keeps its own format. The pieces are
+        // found before any is written, as writing replaces the fragments; the lengths stay the
+        // same, so no position moves.
+        QList<Piece> pieces;
+        for (QTextBlock block = doc->findBlock(start); block.isValid() && block.position() < end;
+             block = block.next()) {
+            for (auto it = block.begin(); !it.atEnd(); ++it) {
+                const QTextFragment fragment = it.fragment();
+                const int from = std::max(start, fragment.position());
+                const int to = std::min(end, fragment.position() + fragment.length());
+                if (from < to)
+                    pieces.append({from, to, rewrite.text.mid(from - rewrite.start, to - from), fragment.charFormat()});
+            }
+        }
+        for (const Piece &piece : std::as_const(pieces)) {
+            QTextCursor range(doc);
+            range.setPosition(piece.from);
+            range.setPosition(piece.to, QTextCursor::KeepAnchor);
+            if (range.selectedText() != piece.text)
+                range.insertText(piece.text, piece.format);
+        }
+    }
+    batch.endEditBlock();
+    QTextCursor after = cursor();
+    if (after.anchor() != anchor || after.position() != position) {
+        after.setPosition(anchor);
+        after.setPosition(position, QTextCursor::KeepAnchor);
+        setCursor(after);
+    }
+    markLinesDirty();
 }
 
 } // namespace kvrtb

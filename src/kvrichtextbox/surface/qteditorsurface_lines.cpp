@@ -163,6 +163,25 @@ void QtEditorSurface::scrollLines(int lines, int columns)
     }
 }
 
+void QtEditorSurface::scrollToPosition(int position)
+{
+    flushBatch();
+    QTextDocument *doc = document();
+    const int pos = clamp(position);
+    const QTextBlock block = doc->findBlock(pos);
+    if (!block.isValid())
+        return;
+    // The block's rectangle lays the document out down to the block, no further.
+    double y = doc->documentLayout()->blockBoundingRect(block).top();
+    if (const QTextLayout *layout = block.layout(); layout && layout->lineCount() > 0) {
+        const QTextLine line = layout->lineForTextPosition(pos - block.position());
+        if (line.isValid())
+            y += line.y();
+    }
+    const int margin = int(doc->documentMargin());
+    m_edit->verticalScrollBar()->setValue(std::max(0, int(std::ceil(y)) - margin));
+}
+
 QRect QtEditorSurface::formattingRect() const
 {
     const QRect viewport = m_edit->viewport()->rect();

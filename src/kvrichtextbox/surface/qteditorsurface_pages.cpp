@@ -40,9 +40,10 @@ std::unique_ptr<QTextDocument> printableCopy(const QTextDocument *source, const 
     return copy;
 }
 
-// The layout scales fonts, frames, tables and pictures to the device it lays out for, but not
-// the paragraphs' own margins, first-line indent and fixed line heights, which the editor keeps in
-// screen pixels: scaled here, a paragraph indented an inch on screen is an inch in on paper.
+// The layout scales fonts, frames, tables, pictures, tab stops, paragraph spacing and line
+// heights to the device it lays out for, but not the paragraphs' left and right margins and
+// first-line indent, which the editor keeps in screen pixels: scaled here, a paragraph indented an
+// inch on screen is an inch in on paper.
 void scaleParagraphGeometry(QTextDocument *document, qreal factor)
 {
     if (qFuzzyCompare(factor, 1.0))
@@ -52,13 +53,7 @@ void scaleParagraphGeometry(QTextDocument *document, qreal factor)
         QTextBlockFormat format = block.blockFormat();
         format.setLeftMargin(format.leftMargin() * factor);
         format.setRightMargin(format.rightMargin() * factor);
-        format.setTopMargin(format.topMargin() * factor);
-        format.setBottomMargin(format.bottomMargin() * factor);
         format.setTextIndent(format.textIndent() * factor);
-        const int heightType = format.lineHeightType();
-        if (heightType == QTextBlockFormat::FixedHeight || heightType == QTextBlockFormat::MinimumHeight
-            || heightType == QTextBlockFormat::LineDistanceHeight)
-            format.setLineHeight(format.lineHeight() * factor, heightType);
         cursor.setPosition(block.position());
         cursor.setBlockFormat(format);
     }
@@ -114,8 +109,8 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
     QPainter painter;
     if (!painter.begin(device))
         return fail(QStringLiteral("The printer or output file cannot be written."));
-    // Laid out at the device's resolution: fonts are in points; tab stops, frames and pictures
-    // are scaled by the layout, the paragraphs' margins here.
+    // Laid out at the device's resolution: fonts are in points; the rest is scaled by the layout
+    // but for the paragraphs' side margins and indents, scaled here.
     QAbstractTextDocumentLayout *textLayout = copy->documentLayout();
     textLayout->setPaintDevice(painter.device());
     scaleParagraphGeometry(copy.get(), resolution / (kTwipsPerInch / kTwipsPerPixel));

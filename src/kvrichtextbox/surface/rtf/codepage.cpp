@@ -184,6 +184,14 @@ void CodePageDecoder::decode(int codePage, const char *bytes, int length, QStrin
     char *in = const_cast<char *>(bytes);
     size_t inLeft = size_t(length);
     QByteArray buffer(length * 4 + 8, Qt::Uninitialized);
+    // Some converters (Hebrew, Vietnamese) hold back a base letter in case a combining mark
+    // follows; at the end of the run or before an invalid byte, what is held is emitted.
+    auto emitHeld = [&] {
+        char *outPtr = buffer.data();
+        size_t outLeft = size_t(buffer.size());
+        iconv(converter->handle, nullptr, nullptr, &outPtr, &outLeft);
+        out.append(reinterpret_cast<const QChar *>(buffer.constData()), int(size_t(buffer.size()) - outLeft) / 2);
+    };
     while (inLeft > 0) {
         char *outPtr = buffer.data();
         size_t outLeft = size_t(buffer.size());
@@ -194,12 +202,13 @@ void CodePageDecoder::decode(int codePage, const char *bytes, int length, QStrin
             if (errno == E2BIG)
                 continue;
             // An invalid or incomplete sequence: one replacement character, then go on.
+            emitHeld();
             out.append(QChar(0xFFFD));
             ++in;
             --inLeft;
-            iconv(converter->handle, nullptr, nullptr, nullptr, nullptr);
         }
     }
+    emitHeld();
 }
 
 } // namespace kvrtb::rtf

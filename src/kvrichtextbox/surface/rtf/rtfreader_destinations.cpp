@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
 #include <QCryptographicHash>
@@ -77,8 +78,8 @@ void Reader::finishDestination(const GroupState &closing)
     if (closing.opensField && !m_fieldOfGroup.empty()) {
         const FieldEntry field = m_fields[size_t(m_fieldOfGroup.back())];
         m_fieldOfGroup.pop_back();
-        if (field.symbol > 0 && field.symbol < 0xFFFF && field.textMark == m_textCount && top().dest == Dest::Text)
-            addChar(char16_t(field.symbol));
+        if (!field.fallback.isEmpty() && field.textMark == m_textCount && top().dest == Dest::Text)
+            addString(field.fallback);
     }
     if (!closing.destRoot)
         return;
@@ -106,8 +107,14 @@ void Reader::finishDestination(const GroupState &closing)
             if (field.flags & 2)
                 field.address.clear();
             const QString instruction = field.instruction.trimmed();
-            if (instruction.startsWith(QLatin1String("SYMBOL"), Qt::CaseInsensitive))
-                field.symbol = instruction.mid(6).trimmed().section(QLatin1Char(' '), 0, 0).toInt();
+            if (instruction.startsWith(QLatin1String("SYMBOL"), Qt::CaseInsensitive)) {
+                const int symbol = instruction.mid(6).trimmed().section(QLatin1Char(' '), 0, 0).toInt();
+                if (symbol > 0 && symbol < 0xFFFF)
+                    field.fallback = QChar(char16_t(symbol));
+            } else if (instruction.startsWith(QLatin1String("MACROBUTTON"), Qt::CaseInsensitive)) {
+                // "MACROBUTTON name prompt text": the prompt is what the user sees.
+                field.fallback = instruction.mid(11).trimmed().section(QLatin1Char(' '), 1).trimmed();
+            }
         }
         m_destText.clear();
         break;
@@ -145,6 +152,18 @@ void Reader::finishDestination(const GroupState &closing)
         break;
     case Dest::PnTextAfter:
         m_pnAfter += m_destText;
+        m_destText.clear();
+        break;
+    case Dest::ShapeName:
+        m_shapeProperty = m_destText.trimmed();
+        m_destText.clear();
+        break;
+    case Dest::AtnId:
+        m_atnId = m_destText.trimmed();
+        m_destText.clear();
+        break;
+    case Dest::AtnAuthor:
+        m_atnAuthor = m_destText.trimmed();
         m_destText.clear();
         break;
     case Dest::ListLevel:
@@ -195,6 +214,9 @@ void Reader::addToDestination(const QString &s)
     case Dest::FieldInst:
     case Dest::PnTextBefore:
     case Dest::PnTextAfter:
+    case Dest::AtnId:
+    case Dest::AtnAuthor:
+    case Dest::ShapeName:
         m_destText += s;
         break;
     default:
@@ -312,16 +334,53 @@ void Reader::handleDestinationWord(Word word)
     case Word::ListOverrideTable: open(Dest::ListOverrideTable); break;
     case Word::ListOverride: open(Dest::ListOverride); break;
     case Word::Upr: flushRun(); state.dest = Dest::Upr; break;
+    case Word::Footnote: beginNote(int(NoteKind::Footnote)); break;
+    case Word::Annotation: beginNote(int(NoteKind::Annotation)); break;
+    case Word::AtnId: open(Dest::AtnId); break;
+    case Word::AtnAuthor: open(Dest::AtnAuthor); break;
+    // Shapes: the text of a text box and the picture that fills a shape are shown inline, where
+    // the shape is anchored; other properties, and the result written for readers that do not
+    // know shapes, are not.
+    case Word::ShpInst:
+    case Word::Sp:
+        flushText();
+        if (state.dest == Dest::Text || state.dest == Dest::Ignore)
+            state.dest = Dest::Ignore;
+        break;
+    case Word::Sn: open(Dest::ShapeName); break;
+    case Word::Sv:
+        flushText();
+        state.dest = m_shapeProperty == QLatin1String("pib") && state.dest == Dest::Ignore ? Dest::Ignore : Dest::Skip;
+        break;
+    case Word::ShpTxt:
+        flushText();
+        if (state.dest == Dest::Ignore)
+            state.dest = Dest::Text;
+        break;
+    case Word::SkipDest:
+        skipAndKeep(state);
+        break;
+    case Word::ShpRslt:
     case Word::NonShpPict:
     case Word::PnText:
     case Word::ListText:
-    case Word::SkipDest:
+        // What readers that do not know a construct read instead of it: written anew.
         flushText();
         state.dest = Dest::Skip;
         break;
     default:
         break;
     }
+}
+
+void Reader::skipAndKeep(GroupState &state)
+{
+    // Groups met in the document's text (not inside a table, field, picture or other
+    // destination) are kept; skipGroup() gathers their bytes when it reaches their end.
+    flushText();
+    const GroupState *parent = m_stack.size() >= 2 ? &m_stack[m_stack.size() - 2] : nullptr;
+    state.keep = parent && parent->dest == Dest::Text && state.dest == Dest::Text && !state.opensField;
+    state.dest = Dest::Skip;
 }
 
 } // namespace kvrtb::rtf::detail

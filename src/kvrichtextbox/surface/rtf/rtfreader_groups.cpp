@@ -1,5 +1,7 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfnotes.h"
+
 #include <algorithm>
 
 namespace kvrtb::rtf::detail {
@@ -18,6 +20,8 @@ void Reader::openGroup()
     next.destRoot = false;
     next.star = false;
     next.opensField = false;
+    next.keep = false;
+    next.start = m_p - 1;
     if (next.dest == Dest::Upr)
         next.dest = Dest::Ignore;
     m_stack.push_back(std::move(next));
@@ -27,7 +31,7 @@ void Reader::closeGroup()
 {
     flushBytes();
     m_unicodeSkip = 0;
-    if (m_stack.size() <= 1)
+    if (m_stack.size() <= 1 || (m_inNote && m_stack.size() <= m_noteBase + 1))
         return;
     const GroupState closing = m_stack.back();
     m_stack.pop_back();
@@ -41,14 +45,16 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     GroupState &state = top();
     if (state.star) {
         state.star = false;
-        const bool knownDestination = word == Word::FldInst || word == Word::Pict || word == Word::ShpPict
+        const bool knownDestination = word == Word::FldInst || word == Word::FldRslt || word == Word::Pict || word == Word::ShpPict
                                       || word == Word::PnDest || word == Word::ListTable
                                       || word == Word::ListOverrideTable || word == Word::Ud
                                       || word == Word::ListDest || word == Word::ListLevel
-                                      || word == Word::KvLink || word == Word::NestTableProps;
+                                      || word == Word::KvLink || word == Word::NestTableProps
+                                      || word == Word::Footnote || word == Word::Annotation
+                                      || word == Word::AtnId || word == Word::AtnAuthor
+                                      || word == Word::ShpInst || word == Word::ShpTxt;
         if (!knownDestination) {
-            flushText();
-            state.dest = Dest::Skip;
+            skipAndKeep(state);
             return;
         }
     }
@@ -166,7 +172,10 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Lang: ch.lang = std::max(0, param); break;
     case Word::V: break; // hidden text is kept as text, as other readers show it in their text
 
-    case Word::Pard: para = ParaState(); break;
+    case Word::Pard:
+        para = ParaState();
+        m_bodyStarted = m_bodyStarted || dest == Dest::Text;
+        break;
     case Word::TrowD:
         if (!state.nestedTableProps) {
             m_rowCellCount = 0;
@@ -239,11 +248,21 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::LevelStartAt: m_levelBuild.start = param; break;
 
     case Word::Par:
-    case Word::Page:
-    case Word::Sect:
         if (dest == Dest::Text)
             endParagraph(true);
         break;
+    case Word::Page:
+    case Word::Sect:
+    case Word::Column:
+        if (dest == Dest::Text)
+            pageBreak(word != Word::Column);
+        break;
+    case Word::SbkNone:
+        // A section that continues on the same page (or column): its \sect broke no page.
+        if (!m_paragraphHasContent)
+            m_pageBreakPending = false;
+        break;
+    case Word::PageBb: para.pageBreakBefore = value != 0; break;
     case Word::NestCell:
     case Word::NestRow:
         if (dest == Dest::Text && m_table)
@@ -252,17 +271,23 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Line: if (dest == Dest::Text) addChar(QChar::LineSeparator); break;
     case Word::Tab: addChar('\t'); break;
     case Word::Cell:
-        if (dest == Dest::Text)
-            endCell();
-        break;
     case Word::Row:
-        if (dest == Dest::Text)
+        // Table words inside a note end its paragraph: the note is not part of the table.
+        if (dest == Dest::Text && m_inNote)
+            endParagraph(true);
+        else if (dest == Dest::Text && word == Word::Cell)
+            endCell();
+        else if (dest == Dest::Text)
             endRow();
         break;
     case Word::ChFtn:
-        // The automatic number of a footnote reference; the footnote's own text is skipped.
+    case Word::ChAtn:
         if (dest == Dest::Text)
-            addString(QString::number(++m_footnoteNumber));
+            addNoteMark(word == Word::ChAtn);
+        break;
+    case Word::FtnAlt:
+        if (m_inNote && m_noteKind == int(NoteKind::Footnote))
+            m_noteKind = int(NoteKind::Endnote);
         break;
     case Word::EmDash: addChar(0x2014); break;
     case Word::EnDash: addChar(0x2013); break;

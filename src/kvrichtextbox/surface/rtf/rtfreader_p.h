@@ -52,6 +52,9 @@ enum class Dest : quint8 {
     ListOverrideTable,
     ListOverride,
     Upr,          // the ANSI half of \upr: text ignored until \ud
+    AtnId,        // an annotation's author initials
+    AtnAuthor,    // an annotation's author name
+    ShapeName,    // the name of a shape property (\sn)
     Ignore,       // text ignored, control words still read (\field, \object shells)
 };
 
@@ -60,7 +63,8 @@ enum class Word : quint16 {
     // destinations
     Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
     PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
-    ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, SkipDest,
+    ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, Footnote, Annotation, AtnId, AtnAuthor,
+    ShpInst, ShpTxt, ShpRslt, Sp, Sn, Sv, SkipDest,
     // document
     Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
     // font table
@@ -79,8 +83,8 @@ enum class Word : quint16 {
     // list table
     ListId, LevelNfc, LevelNfcN, LevelStartAt,
     // special characters and breaks
-    Par, Line, Tab, Cell, NestCell, Row, NestRow, Page, Sect, EmDash, EnDash, LQuote, RQuote,
-    ChFtn, LDblQuote, RDblQuote, Bullet, EmSpace, EnSpace, QmSpace, Zwj, Zwnj, LtrMark, RtlMark,
+    Par, Line, Tab, Cell, NestCell, Row, NestRow, Page, Sect, Column, PageBb, SbkNone, EmDash, EnDash, LQuote, RQuote,
+    ChFtn, ChAtn, FtnAlt, LDblQuote, RDblQuote, Bullet, EmSpace, EnSpace, QmSpace, Zwj, Zwnj, LtrMark, RtlMark,
     // fields
     KvLink,
     // picture
@@ -102,6 +106,8 @@ struct CharState {
     qint32 offset = 0;     // twips
     qint32 lang = 0;
     qint32 link = -1;      // index of the hyperlink field the text belongs to
+    qint32 noteId = 0;     // the note this reference or note mark belongs to
+    qint32 noteMark = 0;   // an automatically numbered note reference or mark
 
     bool operator==(const CharState &o) const { return std::memcmp(this, &o, sizeof(CharState)) == 0; }
     bool operator!=(const CharState &o) const { return !(*this == o); }
@@ -136,6 +142,7 @@ struct ParaState {
     qint32 ruleOverride = -1;
     qint32 bulletIndent = 0;
     bool intbl = false;
+    bool pageBreakBefore = false; // \pagebb
     qint32 ls = 0;
     qint32 ilvl = 0;
     PnState pn;
@@ -152,6 +159,8 @@ struct GroupState {
     bool opensField = false; // this group is a \field
     bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
     int codePage = 1252;   // code page of the current font
+    bool keep = false;     // a skipped group kept to be written back (rtfkept.h)
+    const char *start = nullptr; // the group's "{"
 };
 
 struct FontEntry {
@@ -164,7 +173,9 @@ struct FieldEntry {
     QString address;
     bool hyperlink = false;
     int flags = 0; // \kvlink: 1 = shown without the link effect, 2 = no address
-    int symbol = 0; // SYMBOL field: the character it shows when it has no result
+    // What the field shows when it has no result: the character of a SYMBOL field, the prompt
+    // of a MACROBUTTON field.
+    QString fallback;
     qint64 textMark = 0;
 };
 
@@ -199,6 +210,17 @@ struct RowDef {
     quint8 pendingMerge = 0; // merge words seen before the cell's \cellx
 };
 
+// A footnote, endnote or annotation met in a paragraph: its RTF is read when the paragraph ends,
+// into paragraphs of its own after it.
+struct PendingNote {
+    const char *begin = nullptr; // the group's content, after its destination word
+    const char *end = nullptr;
+    int id = 0;
+    int kind = 0;   // NoteKind
+    int number = 0; // the number its automatic marks show
+    CharState ch;   // the character format at the reference
+};
+
 struct PictureBuild {
     QByteArray header;
     QByteArray data;
@@ -221,6 +243,8 @@ public:
     void run(const QByteArray &bytes);
 
 private:
+    // Reads the bytes from m_p to m_end.
+    void parse();
     // bytes, groups and control words (rtfreader_tokenizer.cpp, rtfreader_groups.cpp)
     void skipGroup();
     void openGroup();
@@ -265,6 +289,11 @@ private:
     void finishDestination(const GroupState &closing);
     void addToDestination(const QString &s);
     void insertPicture(const PictureBuild &picture);
+
+    // notes (rtfreader_notes.cpp)
+    void addNoteMark(bool annotation);
+    void beginNote(int kind);
+    void insertPendingNotes();
 
     // tables (rtfreader_tables.cpp)
     void ensureTableState();
@@ -321,10 +350,34 @@ private:
     QHash<CharState, QTextCharFormat> m_formatCache;
     QString m_destText;
 
+    // notes
+    std::vector<PendingNote> m_pendingNotes;
+    int m_noteCount = 0;       // notes met so far (their ids)
+    int m_annotationNumber = 0;
+    int m_pendingRef = 0;      // the note id of a reference mark just read, until other text
+    int m_pendingRefNumber = 0;
+    bool m_inNote = false;     // reading a note's paragraphs
+    int m_noteId = 0;
+    int m_noteKind = 0;
+    int m_noteNumber = 0;
+    size_t m_noteBase = 0;     // the group depth a note's reading starts at
+    QString m_atnId, m_atnAuthor;
+    QHash<int, QString> m_noteAuthors;
+
+    QString m_shapeProperty; // the name of the shape property being read
+
+    // groups kept to be written back (rtfkept.h)
+    QByteArray m_keptDocument;
+    QByteArray m_keptParagraph;
+    bool m_bodyStarted = false; // a \pard, text or paragraph end seen: the header is over
+    void skipAndKeep(GroupState &state);
+
     // paragraphs and lists
     bool m_paragraphHasContent = false;
     int m_parCount = 0;
     bool m_lastWasPar = false;
+    bool m_pageBreakPending = false; // the paragraph being read starts a new page
+    void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a
     // paragraph's properties are applied again.
     QHash<int, QPointer<QTextList>> m_lsLists;

@@ -1,5 +1,8 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
+#include "surface/rtf/rtfnotes.h"
+
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextList>
@@ -96,6 +99,17 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && !m_table)
+        qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    if (!m_keptParagraph.isEmpty()) {
+        qt.setProperty(KeptParagraphGroups, m_keptParagraph);
+        m_keptParagraph.clear();
+    }
+    if (m_inNote) {
+        qt.setProperty(NoteKindProperty, m_noteKind);
+        qt.setProperty(NoteIdProperty, m_noteId);
+        qt.setBackground(noteBackground());
+    }
     m_cursor.setBlockFormat(qt);
 
     // Lists: \ls paragraphs join the list of their override and level wherever they are;
@@ -115,13 +129,19 @@ void Reader::applyParagraph(const ParaState &para)
             NumberingStyle style = NumberingStyle::Period;
             const int listId = m_overrideToList.value(para.ls, -1);
             for (const ListDef &def : m_lists) {
-                if (def.id != listId || def.levels.empty())
+                if (def.id != listId || def.levels.empty() || para.pn.numbering != 0)
                     continue;
                 const ListLevelDef &lvl = def.levels[size_t(std::min<int>(level, int(def.levels.size()) - 1))];
                 numbering = numberingOfNfc(lvl.nfc);
                 start = lvl.start;
                 style = numbering == Numbering::Bullet ? NumberingStyle::Period : styleOfLevelText(lvl.text);
                 break;
+            }
+            if (para.pn.numbering != 0) {
+                // Paragraph numbering given with the list says more than the list table.
+                numbering = Numbering(para.pn.numbering);
+                start = para.pn.start;
+                style = NumberingStyle(para.pn.style);
             }
             QTextListFormat listFormat = format::listFormatFor(numbering, start, style);
             listFormat.setIndent(level + 1);
@@ -146,11 +166,28 @@ void Reader::applyParagraph(const ParaState &para)
     }
 }
 
+// \page, \sect and \column end the paragraph they are in (unless it has nothing yet), and a
+// page or section break makes the next paragraph start a new page.
+void Reader::pageBreak(bool page)
+{
+    if (m_inNote || m_table || top().para.intbl) {
+        endParagraph(true);
+        return;
+    }
+    if (m_paragraphHasContent)
+        endParagraph(true);
+    if (page)
+        m_pageBreakPending = true;
+}
+
 void Reader::endParagraph(bool insertBreak)
 {
     flushText();
     ensureTableState();
     applyParagraph(top().para);
+    if (!m_inNote)
+        m_pageBreakPending = false;
+    insertPendingNotes();
     if (insertBreak) {
         m_cursor.insertBlock(QTextBlockFormat(), blockCharFormat());
         ++m_parCount;

@@ -11,6 +11,8 @@ void Reader::ensureTableState()
 {
     // Called before content goes into the document: enters a table for \intbl content, leaves
     // it for content outside, and starts the row after a \row.
+    if (m_inNote)
+        return; // a note stays where its reference's paragraph put it
     const bool inTable = top().para.intbl;
     if (!inTable) {
         if (m_table)
@@ -20,6 +22,7 @@ void Reader::ensureTableState()
     if (!m_table) {
         if (m_paragraphHasContent) {
             flushRun();
+            insertPendingNotes();
             m_cursor.insertBlock(QTextBlockFormat(), blockCharFormat());
         } else if (m_lastWasPar && m_parCount > 0) {
             // Qt keeps a paragraph before every table: the one that the \par before the table
@@ -63,6 +66,7 @@ void Reader::endCell()
     flushRun();
     ensureTableState();
     applyParagraph(top().para);
+    insertPendingNotes();
     ++m_tableColumn;
     m_cellMovePending = true;
     m_paragraphHasContent = false;

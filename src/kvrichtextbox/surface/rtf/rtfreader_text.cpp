@@ -1,5 +1,7 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfnotes.h"
+
 #include <QTextCursor>
 
 namespace kvrtb::rtf::detail {
@@ -128,6 +130,8 @@ void Reader::beginText(qsizetype length)
         m_runStateSet = true;
     }
     ensureTableState();
+    m_pendingRef = 0;
+    m_bodyStarted = true;
     m_textCount += length;
     m_paragraphHasContent = true;
     m_lastWasPar = false;
@@ -177,6 +181,14 @@ QTextCharFormat Reader::formatFor(const CharState &state)
     if (linkEffect)
         qt.setProperty(format::LinkEffect, true);
     format::setUserUnderline(qt, QTextCharFormat::UnderlineStyle(state.underline));
+    if (state.noteId) {
+        qt.setProperty(NoteIdProperty, state.noteId);
+        if (state.noteMark)
+            qt.setProperty(NoteMarkProperty, true);
+        const QString author = m_noteAuthors.value(state.noteId);
+        if (!author.isEmpty())
+            qt.setProperty(NoteAuthorProperty, author);
+    }
     if (m_formatCache.size() > 4096)
         m_formatCache.clear();
     m_formatCache.insert(state, qt);

@@ -1,6 +1,10 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
+
 #include <QTextCursor>
+#include <QTextDocument>
+#include <QTextFrame>
 
 #include <algorithm>
 #include <cctype>
@@ -26,7 +30,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"stylesheet", Word::SkipDest}, {"info", Word::SkipDest}, {"header", Word::SkipDest},
         {"headerl", Word::SkipDest}, {"headerr", Word::SkipDest}, {"headerf", Word::SkipDest},
         {"footer", Word::SkipDest}, {"footerl", Word::SkipDest}, {"footerr", Word::SkipDest},
-        {"footerf", Word::SkipDest}, {"footnote", Word::SkipDest}, {"annotation", Word::SkipDest},
+        {"footerf", Word::SkipDest}, {"footnote", Word::Footnote}, {"annotation", Word::Annotation},
         {"revtbl", Word::SkipDest}, {"filetbl", Word::SkipDest}, {"objdata", Word::SkipDest},
         {"xe", Word::SkipDest}, {"tc", Word::SkipDest}, {"txe", Word::SkipDest},
         {"rxe", Word::SkipDest}, {"private", Word::SkipDest}, {"template", Word::SkipDest},
@@ -36,9 +40,10 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"keywords", Word::SkipDest}, {"buptim", Word::SkipDest}, {"creatim", Word::SkipDest},
         {"revtim", Word::SkipDest}, {"printim", Word::SkipDest}, {"objclass", Word::SkipDest},
         {"objname", Word::SkipDest}, {"pnseclvl", Word::SkipDest}, {"fldtype", Word::SkipDest},
-        {"falt", Word::SkipDest}, {"panose", Word::SkipDest}, {"shpinst", Word::SkipDest},
-        {"sp", Word::SkipDest}, {"sn", Word::SkipDest}, {"sv", Word::SkipDest},
-        {"atnid", Word::SkipDest}, {"atnauthor", Word::SkipDest}, {"atndate", Word::SkipDest},
+        {"falt", Word::SkipDest}, {"panose", Word::SkipDest}, {"shpinst", Word::ShpInst},
+        {"shptxt", Word::ShpTxt}, {"shprslt", Word::ShpRslt}, {"sp", Word::Sp}, {"sn", Word::Sn},
+        {"sv", Word::Sv},
+        {"atnid", Word::AtnId}, {"atnauthor", Word::AtnAuthor}, {"atndate", Word::SkipDest},
         {"atnref", Word::SkipDest}, {"atntime", Word::SkipDest}, {"atrfstart", Word::SkipDest},
         {"atrfend", Word::SkipDest}, {"ftnsep", Word::SkipDest}, {"ftnsepc", Word::SkipDest},
         {"ftncn", Word::SkipDest}, {"aftnsep", Word::SkipDest}, {"aftnsepc", Word::SkipDest},
@@ -79,8 +84,9 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"levelstartat", Word::LevelStartAt},
         {"par", Word::Par}, {"line", Word::Line}, {"tab", Word::Tab}, {"cell", Word::Cell},
         {"nestcell", Word::NestCell}, {"row", Word::Row}, {"nestrow", Word::NestRow},
-        {"page", Word::Page}, {"sect", Word::Sect}, {"column", Word::Page},
-        {"chftn", Word::ChFtn}, {"emdash", Word::EmDash}, {"endash", Word::EnDash}, {"lquote", Word::LQuote},
+        {"page", Word::Page}, {"sect", Word::Sect}, {"column", Word::Column},
+        {"pagebb", Word::PageBb}, {"sbknone", Word::SbkNone}, {"sbkcol", Word::SbkNone},
+        {"chftn", Word::ChFtn}, {"chatn", Word::ChAtn}, {"ftnalt", Word::FtnAlt}, {"emdash", Word::EmDash}, {"endash", Word::EnDash}, {"lquote", Word::LQuote},
         {"rquote", Word::RQuote}, {"ldblquote", Word::LDblQuote}, {"rdblquote", Word::RDblQuote},
         {"bullet", Word::Bullet}, {"emspace", Word::EmSpace}, {"enspace", Word::EnSpace},
         {"qmspace", Word::QmSpace}, {"zwj", Word::Zwj}, {"zwnj", Word::Zwnj},
@@ -105,7 +111,40 @@ void Reader::run(const QByteArray &bytes)
     m_stack.reserve(64);
     m_stack.emplace_back();
     m_stack.back().dest = Dest::Skip; // text before the outer group is not part of the document
+    parse();
+    // A file that ends inside groups is read as if they were closed.
+    flushText();
+    while (m_stack.size() > 1 && m_started) {
+        const GroupState closing = m_stack.back();
+        m_stack.pop_back();
+        finishDestination(closing);
+    }
+    if (m_table)
+        leaveTable();
+    // The last paragraph keeps its properties; a final \par with nothing after it ends the
+    // document's last paragraph rather than starting an empty one.
+    if (m_endsDocument && !m_paragraphHasContent && m_lastWasPar && m_parCount > 0) {
+        const QByteArray kept = m_cursor.block().previous().blockFormat().property(KeptParagraphGroups).toByteArray()
+                                + m_keptParagraph;
+        m_cursor.deletePreviousChar();
+        if (!kept.isEmpty()) {
+            QTextBlockFormat format;
+            format.setProperty(KeptParagraphGroups, kept);
+            m_cursor.mergeBlockFormat(format);
+        }
+    } else {
+        applyParagraph(top().para);
+    }
+    insertPendingNotes();
+    if (m_endsDocument && !m_keptDocument.isEmpty()) {
+        QTextFrameFormat root = m_doc.rootFrame()->frameFormat();
+        root.setProperty(KeptDocumentGroups, m_keptDocument);
+        m_doc.rootFrame()->setFrameFormat(root);
+    }
+}
 
+void Reader::parse()
+{
     while (m_p < m_end && !m_finished) {
         const char c = *m_p;
         if (top().dest == Dest::Skip && m_started) {
@@ -220,22 +259,6 @@ void Reader::run(const QByteArray &bytes)
         }
         }
     }
-    // A file that ends inside groups is read as if they were closed.
-    flushText();
-    while (m_stack.size() > 1 && m_started) {
-        const GroupState closing = m_stack.back();
-        m_stack.pop_back();
-        finishDestination(closing);
-    }
-    if (m_table)
-        leaveTable();
-    // The last paragraph keeps its properties; a final \par with nothing after it ends the
-    // document's last paragraph rather than starting an empty one.
-    if (m_endsDocument && !m_paragraphHasContent && m_lastWasPar && m_parCount > 0) {
-        m_cursor.deletePreviousChar();
-    } else {
-        applyParagraph(top().para);
-    }
 }
 
 void Reader::skipGroup()
@@ -250,6 +273,11 @@ void Reader::skipGroup()
             if (--depth == 0) {
                 if (m_stack.size() > 1) {
                     const GroupState closing = m_stack.back();
+                    if (closing.keep && closing.start) {
+                        // The document's header, or the paragraph being read.
+                        const bool header = !m_bodyStarted && m_parCount == 0 && !m_inNote;
+                        (header ? m_keptDocument : m_keptParagraph).append(closing.start, qsizetype(m_p - closing.start));
+                    }
                     m_stack.pop_back();
                     finishDestination(closing);
                 }

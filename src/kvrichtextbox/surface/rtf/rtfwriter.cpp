@@ -2,6 +2,9 @@
 
 #include "surface/formatmapping.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfkept.h"
+#include "surface/rtf/rtflisttable.h"
+#include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
 #include <QBuffer>
@@ -12,9 +15,11 @@
 #include <QTextFrame>
 #include <QTextList>
 #include <QTextTable>
+#include <QSet>
 #include <QUrl>
 
 #include <cmath>
+#include <vector>
 
 // The writer emits one line per paragraph ("\pard<paragraph>...<runs>\par"), character
 // properties as differences from the run before, and only what is set: a plain document uses
@@ -60,6 +65,10 @@ private:
     void writeFragmentText(const QString &text);
     void writeCharProps(const QTextCharFormat &format);
     void writePicture(const QTextImageFormat &format);
+    void collectNotes();
+    bool isAttachedNote(const QTextBlock &block) const;
+    void writeNoteMark(int noteId, const QTextCharFormat &format);
+    void writeNote(int noteId);
     void word(const char *control);
     void word(const char *control, int value);
     void text(char16_t c);
@@ -76,6 +85,12 @@ private:
     bool m_needSpace = false;
     bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
     RunProps m_props;
+    // The paragraphs of each note whose reference is written, by note id.
+    QHash<int, std::vector<QTextBlock>> m_notes;
+    QSet<int> m_notesWritten;
+    QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
+    ListTableBuilder m_listTable;
+    bool m_inNote = false;
     QStringList m_fonts;
     std::vector<Colour> m_colours;
 };
@@ -295,6 +310,82 @@ void Writer::writePicture(const QTextImageFormat &image)
     m_needSpace = false;
 }
 
+void Writer::collectNotes()
+{
+    // Notes follow their references' paragraphs: those of the range, and those just after it.
+    QHash<int, std::vector<QTextBlock>> notes;
+    const QTextBlock first = m_doc.findBlock(m_start);
+    for (QTextBlock block = first; block.isValid(); block = block.next()) {
+        const QTextBlockFormat format = block.blockFormat();
+        const bool note = format.hasProperty(NoteIdProperty) && format.hasProperty(NoteKindProperty);
+        if (!note && block.position() >= m_end)
+            break;
+        if (note)
+            notes[format.intProperty(NoteIdProperty)].push_back(block);
+    }
+    if (notes.isEmpty())
+        return;
+    // A note goes inside its reference only when the reference is written too.
+    for (QTextBlock block = first; block.isValid() && block.position() < m_end; block = block.next()) {
+        if (block.blockFormat().hasProperty(NoteKindProperty))
+            continue;
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const int id = fragment.charFormat().intProperty(NoteIdProperty);
+            if (id && notes.contains(id) && intersects(fragment.position(), fragment.position() + fragment.length()))
+                m_notes.insert(id, notes.take(id));
+        }
+    }
+}
+
+bool Writer::isAttachedNote(const QTextBlock &block) const
+{
+    return !m_notes.isEmpty() && m_notes.contains(block.blockFormat().intProperty(NoteIdProperty))
+           && block.blockFormat().hasProperty(NoteKindProperty);
+}
+
+void Writer::writeNoteMark(int noteId, const QTextCharFormat &format)
+{
+    const auto kind = NoteKind(m_notes.value(noteId).front().blockFormat().intProperty(NoteKindProperty));
+    if (kind != NoteKind::Annotation) {
+        word("chftn");
+        return;
+    }
+    const QString author = format.stringProperty(NoteAuthorProperty);
+    if (!m_inNote && !author.isEmpty()) {
+        m_out += "{\\*\\atnid ";
+        escaped(author.section(QLatin1Char('\n'), 0, 0), m_out);
+        m_out += "}{\\*\\atnauthor ";
+        escaped(author.section(QLatin1Char('\n'), 1), m_out);
+        m_out += '}';
+        m_needSpace = false;
+    }
+    word("chatn");
+}
+
+void Writer::writeNote(int noteId)
+{
+    m_notesWritten.insert(noteId);
+    const std::vector<QTextBlock> &blocks = m_notes[noteId];
+    const auto kind = NoteKind(blocks.front().blockFormat().intProperty(NoteKindProperty));
+    const RunProps outside = m_props;
+    if (kind == NoteKind::Annotation) {
+        m_out += "{\\*\\annotation";
+    } else {
+        m_out += "{\\footnote";
+        if (kind == NoteKind::Endnote)
+            m_out += "\\ftnalt";
+    }
+    m_needSpace = true;
+    m_inNote = true;
+    for (size_t i = 0; i < blocks.size(); ++i)
+        writeBlock(blocks[i], i + 1 < blocks.size() ? "par" : nullptr);
+    m_inNote = false;
+    m_out += '}';
+    m_needSpace = false;
+    m_props = outside;
+}
+
 void Writer::writeParagraphProperties(const QTextBlock &block)
 {
     const ParaFormat p = format::readPara(block);
@@ -340,6 +431,14 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
     if (*p.numbering != Numbering::None) {
         const Numbering numbering = *p.numbering;
         const NumberingStyle style = *p.numberingStyle;
+        // The list table for word processors, and the paragraph numbering of older readers,
+        // which also carries what the list table cannot say (our reader takes it over the list
+        // table's level).
+        const QTextList *list = block.textList();
+        const int level = std::clamp(list->format().indent() - 1, 0, 8);
+        word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level));
+        if (level)
+            word("ilvl", level);
         m_out += "{\\*\\pn";
         m_out += numbering == Numbering::Bullet ? "\\pnlvlblt" : "\\pnlvlbody";
         if (style == NumberingStyle::NoNumber)
@@ -378,6 +477,12 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         case NumberingStyle::NoNumber: break;
         }
         m_out += '}';
+        if (style != NumberingStyle::NoNumber) {
+            // The number as text, for readers that know neither form.
+            m_out += "{\\listtext ";
+            escaped(numbering == Numbering::Bullet ? QString(QChar(0x2022)) : list->itemText(block), m_out);
+            m_out += "\\tab}";
+        }
         m_needSpace = false;
     } else if (*p.bulletIndent) {
         word("kvbulletindent", *p.bulletIndent);
@@ -388,10 +493,22 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
 {
     const int blockStart = block.position();
     const int blockEnd = blockStart + block.length() - 1; // position of its paragraph break
+    // A note goes whole with its reference, even where the range ends before it.
+    const int rangeStart = m_inNote ? blockStart : m_start;
+    const int rangeEnd = m_inNote ? blockEnd + 1 : m_end;
+    const bool inTable = !m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart));
+    if (!inTable && !m_inNote && (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
+        word("page");
     word("pard");
-    if (!m_flattenCell && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart)))
+    if (inTable)
         word("intbl");
     writeParagraphProperties(block);
+    const QByteArray kept = block.blockFormat().property(KeptParagraphGroups).toByteArray();
+    if (!kept.isEmpty() && !m_keptWritten.contains(kept)) {
+        m_keptWritten.insert(kept);
+        m_out += kept;
+        m_needSpace = false;
+    }
     if (block.length() == 1)
         writeCharProps(block.charFormat());
 
@@ -410,8 +527,8 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     };
     for (auto it = block.begin(); !it.atEnd(); ++it) {
         const QTextFragment fragment = it.fragment();
-        const int from = std::max(m_start, fragment.position());
-        const int to = std::min(m_end, fragment.position() + fragment.length());
+        const int from = std::max(rangeStart, fragment.position());
+        const int to = std::min(rangeEnd, fragment.position() + fragment.length());
         if (from >= to)
             continue;
         const QTextCharFormat qt = fragment.charFormat();
@@ -445,10 +562,16 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
                 writePicture(qt.toImageFormat());
             continue;
         }
-        writeFragmentText(value);
+        const int noteId = m_notes.isEmpty() ? 0 : qt.intProperty(NoteIdProperty);
+        if (noteId && m_notes.contains(noteId) && qt.boolProperty(NoteMarkProperty))
+            writeNoteMark(noteId, qt);
+        else
+            writeFragmentText(value);
+        if (noteId && !m_inNote && m_notes.contains(noteId) && !m_notesWritten.contains(noteId))
+            writeNote(noteId);
     }
     closeLink();
-    if (blockEnd >= m_start && blockEnd < m_end && ending)
+    if (blockEnd >= rangeStart && blockEnd < rangeEnd && ending)
         word(ending);
     m_out += '\n';
     m_needSpace = false;
@@ -509,16 +632,23 @@ void Writer::writeTable(const QTextTable *table)
                 m_needSpace = false;
                 continue;
             }
+            // The cell's paragraphs, without the notes that go inside their references.
+            std::vector<QTextBlock> blocks;
             const QTextBlock last = m_doc.findBlock(cell.lastPosition());
             for (QTextBlock block = m_doc.findBlock(cell.firstPosition()); block.isValid(); block = block.next()) {
-                const bool isLast = block == last;
-                writeBlock(block, isLast ? nullptr : "par");
+                if (!isAttachedNote(block) || blocks.empty())
+                    blocks.push_back(block);
+                if (block == last)
+                    break;
+            }
+            for (size_t i = 0; i < blocks.size(); ++i) {
+                const bool isLast = i + 1 == blocks.size();
+                writeBlock(blocks[i], isLast ? nullptr : "par");
                 if (isLast) {
                     m_out.chop(1);
                     word("cell");
                     m_out += '\n';
                     m_needSpace = false;
-                    break;
                 }
             }
         }
@@ -537,7 +667,7 @@ bool Writer::writeWithinCell(const QTextTable *table)
     m_flattenCell = true;
     const QTextBlock last = m_doc.findBlock(cell.lastPosition());
     for (QTextBlock block = m_doc.findBlock(cell.firstPosition()); block.isValid(); block = block.next()) {
-        if (intersects(block.position(), block.position() + block.length()))
+        if (intersects(block.position(), block.position() + block.length()) && !isAttachedNote(block))
             writeBlock(block, "par");
         if (block == last)
             break;
@@ -561,7 +691,7 @@ void Writer::writeFrame(const QTextFrame *frame)
             continue;
         }
         const QTextBlock block = it.currentBlock();
-        if (!intersects(block.position(), block.position() + block.length()))
+        if (!intersects(block.position(), block.position() + block.length()) || isAttachedNote(block))
             continue;
         writeBlock(block, "par");
     }
@@ -570,6 +700,7 @@ void Writer::writeFrame(const QTextFrame *frame)
 QByteArray Writer::run()
 {
     m_out.reserve(m_doc.characterCount() * 2 + 256);
+    collectNotes();
     writeFrame(m_doc.rootFrame());
     const QByteArray body = m_out;
 
@@ -588,6 +719,10 @@ QByteArray Writer::run()
         }
         head += "}\n";
     }
+    head += m_listTable.tables();
+    const QByteArray kept = m_doc.rootFrame()->frameFormat().property(KeptDocumentGroups).toByteArray();
+    if (!kept.isEmpty() && m_start == 0)
+        head += kept + '\n';
     return head + body + "}\n";
 }
 

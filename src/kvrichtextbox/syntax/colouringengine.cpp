@@ -1,0 +1,202 @@
+#include "syntax/colouringengine.h"
+
+#include "syntax/keywordpatterns.h"
+
+#include <QRegularExpression>
+
+namespace kvrtb {
+
+ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules)
+    : m_original(subject),
+      m_text(subject),
+      m_rules(rules),
+      m_colour(size_t(subject.size()), 0),
+      m_protected(size_t(subject.size()), false)
+{
+    for (int role = 0; role < kRoleCount; ++role) {
+        // Colours are compared as the surface reports them: system colours as their RGB value.
+        m_colours[size_t(role)] = translateColour(rules.passes[size_t(role)].colour);
+        collect(role, rules.passes[size_t(role)]);
+        m_total += int(m_matches[size_t(role)].size());
+    }
+    while (m_role < kRoleCount && m_matches[size_t(m_role)].isEmpty())
+        ++m_role;
+    if (rules.capitalise) {
+        for (const QString &entry : rules.canonicalKeywords.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
+            m_canonicalExact.insert(entry);
+            const QString lower = entry.toLower();
+            if (!m_canonicalByLowerCase.contains(lower))
+                m_canonicalByLowerCase.insert(lower, entry);
+        }
+    }
+}
+
+void ColouringEngine::collect(int role, const Pass &pass)
+{
+    if (pass.pattern.isEmpty())
+        return;
+    const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
+    if (!pattern.isValid()) {
+        m_warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
+                          .arg(pass.name, pattern.errorString())
+                          .arg(pattern.patternErrorOffset());
+        return;
+    }
+    // A pattern that backtracks without end stops at the engine's match limit and counts as no
+    // further match.
+    QList<Match> &matches = m_matches[size_t(role)];
+    QRegularExpressionMatchIterator it = pattern.globalMatch(m_original);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch match = it.next();
+        matches.append({int(match.capturedStart()), int(match.capturedLength())});
+    }
+}
+
+bool ColouringEngine::handleNext(bool skip)
+{
+    if (atEnd() || m_role >= kRoleCount)
+        return false;
+    const QList<Match> &matches = m_matches[size_t(m_role)];
+    if (!skip)
+        handle(m_role, matches.at(m_index));
+    ++m_handled;
+    if (++m_index < matches.size())
+        return false;
+    m_index = 0;
+    ++m_role;
+    while (m_role < kRoleCount && m_matches[size_t(m_role)].isEmpty())
+        ++m_role;
+    return true;
+}
+
+void ColouringEngine::handle(int role, const Match &match)
+{
+    if (match.length <= 0)
+        return; // an empty match selects nothing, so it changes nothing
+    const Colour comment = m_colours[CommentRole];
+    switch (role) {
+    case CommentRole:
+        paint(match, comment);
+        if (m_rules.capitalise
+            && QStringView(m_text).mid(match.start, 3).compare(QLatin1String("REM"), Qt::CaseInsensitive) == 0)
+            m_text.replace(match.start, match.length,
+                           KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
+        break;
+    case StringRole:
+        if (hasColour(match, comment))
+            return; // a quote inside a comment stays comment-coloured
+        paint(match, m_colours[StringRole]);
+        std::fill(m_protected.begin() + match.start, m_protected.begin() + match.start + match.length, true);
+        break;
+    case KeywordRole:
+        if (hasColour(match, comment) || isProtected(match))
+            return; // a keyword inside a comment or a string
+        paint(match, m_colours[KeywordRole]);
+        if (m_rules.capitalise)
+            makeCanonical(match);
+        break;
+    }
+}
+
+bool ColouringEngine::hasColour(const Match &match, Colour colour) const
+{
+    bool any = false;
+    for (int i = match.start; i < match.start + match.length; ++i) {
+        if (m_text.at(i) == QLatin1Char('\n'))
+            continue;
+        if (m_colour[size_t(i)] != colour)
+            return false;
+        any = true;
+    }
+    return any;
+}
+
+bool ColouringEngine::isProtected(const Match &match) const
+{
+    bool any = false;
+    for (int i = match.start; i < match.start + match.length; ++i) {
+        if (m_text.at(i) == QLatin1Char('\n'))
+            continue;
+        if (!m_protected[size_t(i)])
+            return false;
+        any = true;
+    }
+    return any;
+}
+
+void ColouringEngine::paint(const Match &match, Colour colour)
+{
+    std::fill(m_colour.begin() + match.start, m_colour.begin() + match.start + match.length, colour);
+}
+
+void ColouringEngine::makeCanonical(const Match &match)
+{
+    // The list is "|Word|Word|...|": a matched word is an entry when "|word|" occurs in it.
+    const QString matched = m_original.mid(match.start, match.length);
+    if (m_canonicalExact.contains(matched))
+        return;
+    m_text.replace(match.start, match.length, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
+    const auto canonical = m_canonicalByLowerCase.constFind(matched.toLower());
+    if (canonical == m_canonicalByLowerCase.constEnd())
+        return;
+    // Every upper-case letter of the canonical spelling is made upper case in the text.
+    for (int i = 0; i < canonical->size() && i < match.length; ++i) {
+        if (canonical->at(i).isUpper())
+            m_text[match.start + i] = m_text.at(match.start + i).toUpper();
+    }
+}
+
+QList<EditorSurface::FormatSpan> ColouringEngine::colourSpans(int offset) const
+{
+    QList<EditorSurface::FormatSpan> spans;
+    const int size = int(m_colour.size());
+    int i = 0;
+    while (i < size) {
+        const Colour colour = m_colour[size_t(i)];
+        int end = i + 1;
+        while (end < size && m_colour[size_t(end)] == colour)
+            ++end;
+        if (colour != 0) {
+            spans.emplace_back();
+            EditorSurface::FormatSpan &span = spans.back();
+            span.start = offset + i;
+            span.length = end - i;
+            span.format.color = colour;
+        }
+        i = end;
+    }
+    return spans;
+}
+
+QList<EditorSurface::TextRewrite> ColouringEngine::rewrites(int offset) const
+{
+    QList<EditorSurface::TextRewrite> result;
+    const int size = int(m_text.size());
+    int i = 0;
+    while (i < size) {
+        if (m_text.at(i) == m_original.at(i)) {
+            ++i;
+            continue;
+        }
+        int end = i + 1;
+        while (end < size && m_text.at(end) != m_original.at(end))
+            ++end;
+        result.append({offset + i, m_text.mid(i, end - i)});
+        i = end;
+    }
+    return result;
+}
+
+int ColouringEngine::percentage(int count, int total)
+{
+    if (total <= 0)
+        return 0;
+    const qint64 scaled = qint64(count) * 100;
+    const qint64 quotient = scaled / total;
+    const qint64 twiceRemainder = (scaled % total) * 2;
+    if (twiceRemainder > total || (twiceRemainder == total && quotient % 2 != 0))
+        return int(quotient + 1);
+    return int(quotient);
+}
+
+} // namespace kvrtb

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "core/colour.h"
+#include "core/editorsurface.h"
+
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <vector>
+
+namespace kvrtb {
+
+/// \brief The colouring of one text, worked out without touching any document.
+///
+/// The engine collects the matches of three patterns in the text once, then handles them one
+/// at a time in the order of precedence: every match of the comment-role pattern, then the
+/// string-role pattern, then the keyword-role pattern. It keeps its own copy of what the
+/// document would hold after each handled match (the colour and the temporary "protected"
+/// marker of every character, and the text with its capitalisation changes), so each decision
+/// is the one a pass over the document itself would take: a string inside a comment stays
+/// comment-coloured, a keyword inside a comment or a string is left alone.
+///
+/// The caller drives the walk (`handleNext`), which lets it yield, report progress and stop
+/// between matches; then it takes the result as format spans and text rewrites and applies
+/// them to the surface in one batch. The text is assumed to be freshly reset to black (the
+/// colouring run sets colour 0 over the whole subject before the passes).
+///
+/// \code
+/// ColouringEngine engine(text, rules);
+/// while (!engine.atEnd())
+///     engine.handleNext();
+/// surface.applyCharFormats(engine.colourSpans(0));
+/// surface.rewriteCharacters(engine.rewrites(0));
+/// \endcode
+class ColouringEngine {
+public:
+    /// The passes, in the order they run (the order is the precedence).
+    enum Role { CommentRole = 0, StringRole = 1, KeywordRole = 2 };
+    static constexpr int kRoleCount = 3;
+
+    /// One pass: its pattern (empty: the pass is skipped), its colour as `SelColor` takes it
+    /// (system colours allowed), and the name it is reported under when the pattern is bad.
+    struct Pass {
+        QString pattern;
+        Colour colour = 0;
+        QString name;
+    };
+
+    /// What a run colours.
+    struct Rules {
+        std::array<Pass, kRoleCount> passes; ///< indexed by `Role`
+        /// The VB colouring's extras: "Rem" comments in proper case, and keywords in the
+        /// capitalisation of `canonicalKeywords` ("|AddressOf|Alias|...|").
+        bool capitalise = false;
+        QString canonicalKeywords;
+    };
+
+    /// Collects the matches of the three patterns in \a subject (case-insensitive, all of them).
+    /// An invalid pattern contributes no match and a line in `warnings`.
+    ColouringEngine(const QString &subject, const Rules &rules);
+
+    /// The number of matches of all three passes.
+    int total() const { return m_total; }
+    /// Matches handled (coloured, left alone or skipped) so far.
+    int handled() const { return m_handled; }
+    bool atEnd() const { return m_handled >= m_total; }
+
+    /// Handles the next match; with \a skip it is passed over uncoloured (it still counts).
+    /// Returns true when that match was the last of its pass. Does nothing at the end.
+    bool handleNext(bool skip = false);
+
+    /// One line per pattern that could not be used.
+    const QStringList &warnings() const { return m_warnings; }
+
+    /// The colours the handled matches gave, as spans of equal colour shifted by \a offset.
+    /// Characters still black (colour 0) get no span.
+    QList<EditorSurface::FormatSpan> colourSpans(int offset) const;
+    /// The capitalisation changes, as runs of changed characters shifted by \a offset.
+    QList<EditorSurface::TextRewrite> rewrites(int offset) const;
+    /// The text with the capitalisation changes made so far.
+    const QString &text() const { return m_text; }
+
+    /// \a count × 100 ÷ \a total rounded to the nearest integer, halves to the even neighbour;
+    /// 0 when \a total is 0.
+    static int percentage(int count, int total);
+
+private:
+    struct Match {
+        int start;
+        int length;
+    };
+
+    void collect(int role, const Pass &pass);
+    void handle(int role, const Match &match);
+    /// True when every character of the range (paragraph breaks aside) has \a colour.
+    bool hasColour(const Match &match, Colour colour) const;
+    /// True when every character of the range (paragraph breaks aside) is protected.
+    bool isProtected(const Match &match) const;
+    void paint(const Match &match, Colour colour);
+    void makeCanonical(const Match &match);
+
+    const QString m_original;
+    QString m_text;
+    Rules m_rules;
+    std::array<Colour, kRoleCount> m_colours{};
+    /// The canonical list as a set of its entries, and its first entry for each lower-case form.
+    QSet<QString> m_canonicalExact;
+    QHash<QString, QString> m_canonicalByLowerCase;
+    std::array<QList<Match>, kRoleCount> m_matches;
+    std::vector<Colour> m_colour;
+    std::vector<bool> m_protected;
+    QStringList m_warnings;
+    int m_total = 0;
+    int m_handled = 0;
+    int m_role = 0;
+    int m_index = 0;
+};
+
+} // namespace kvrtb

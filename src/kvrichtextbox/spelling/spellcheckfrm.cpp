@@ -13,7 +13,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -38,10 +37,13 @@ SpellCheckFrm::SpellCheckFrm(ControlCore &core, QWidget *parent)
     setWindowTitle(title());
 
     auto *notFound = new QLabel(QStringLiteral("Not in dictionary:"), this);
-    m_context = new QTextEdit(this);
-    m_context->setObjectName(QStringLiteral("ContextText"));
-    m_context->setReadOnly(true);
-    m_context->setFixedHeight(m_context->fontMetrics().lineSpacing() * 4);
+    m_context = new QLabel(this);
+    m_context->setObjectName(QStringLiteral("ContextLB"));
+    m_context->setTextFormat(Qt::RichText);
+    m_context->setWordWrap(true);
+    m_context->setFrameShape(QFrame::StyledPanel);
+    m_context->setMinimumHeight(m_context->fontMetrics().lineSpacing() * 4);
+    m_context->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
     auto *changeToLabel = new QLabel(QStringLiteral("Change to:"), this);
     m_changeTo = new QLineEdit(this);
@@ -215,7 +217,7 @@ void SpellCheckFrm::showState()
         int offset = 0;
         const QString sentence = m_session.context(&offset);
         const int length = static_cast<int>(m_session.currentWord().size());
-        m_context->setHtml(sentence.left(offset).toHtmlEscaped() + QStringLiteral("<b><font color=\"#c00000\">")
+        m_context->setText(sentence.left(offset).toHtmlEscaped() + QStringLiteral("<b><font color=\"#c00000\">")
                            + sentence.mid(offset, length).toHtmlEscaped() + QStringLiteral("</font></b>")
                            + sentence.mid(offset + length).toHtmlEscaped());
         m_status->setText(QStringLiteral("Misspelt word found."));

@@ -11,7 +11,6 @@ class QListWidget;
 class QProgressBar;
 class QPushButton;
 class QSpinBox;
-class QTextEdit;
 
 namespace kvrtb {
 
@@ -19,7 +18,7 @@ class ControlCore;
 
 /// \brief The modeless "Spell Check" dialog of a control: a thin face over `SpellCheckSession`.
 ///
-/// Controls (object names): `ContextText` shows the misspelt word in its sentence (the word in
+/// Controls (object names): `ContextLB` shows the misspelt word in its sentence (the word in
 /// bold); `ChangeToTxt` holds the replacement, at first the likeliest suggestion (or the word
 /// itself when there is none); `SuggestionsList` lists the suggestions, the likeliest first, at
 /// the accuracy of `AccuracySpin` (higher: fewer, closer suggestions); choosing one puts it in
@@ -80,7 +79,7 @@ private:
     bool m_closeRequested = false;
     bool m_stoppedAtWord = false;
 
-    QTextEdit *m_context = nullptr;
+    QLabel *m_context = nullptr;
     QLineEdit *m_changeTo = nullptr;
     QListWidget *m_suggestions = nullptr;
     QSpinBox *m_accuracy = nullptr;

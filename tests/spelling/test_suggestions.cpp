@@ -5,10 +5,10 @@
 #include "spelling/dictionary.h"
 #include "spelling/suggestions.h"
 #include "spelling/suggestionsearch_p.h"
+#include "clirun.h"
 #include "testregistry.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -260,28 +260,12 @@ private slots:
 #ifdef KVRTB_CLI
     void commandLine()
     {
-        struct Run {
-            int code = -1;
-            QString out;
-            QString err;
-        };
+        using kvrtb::test::CliRun;
         auto run = [](const QStringList &args, const QByteArray &input = QByteArray()) {
-            QProcess process;
-            process.start(QStringLiteral(KVRTB_CLI), QStringList{QStringLiteral("suggest")} + args);
-            Run result;
-            if (!process.waitForStarted(10000))
-                return result;
-            process.write(input);
-            process.closeWriteChannel();
-            if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-                return result;
-            result.code = process.exitCode();
-            result.out = QString::fromUtf8(process.readAllStandardOutput());
-            result.err = QString::fromUtf8(process.readAllStandardError());
-            return result;
+            return kvrtb::test::runCli(QStringLiteral(KVRTB_CLI), QStringList{QStringLiteral("suggest")} + args, input);
         };
         // One line per word, the likeliest first with --ranked.
-        Run r = run({QStringLiteral("--ranked"), QStringLiteral("recieve"), QStringLiteral("etc"), QStringLiteral("1x")});
+        CliRun r = run({QStringLiteral("--ranked"), QStringLiteral("recieve"), QStringLiteral("etc"), QStringLiteral("1x")});
         QCOMPARE(r.code, 0);
         const QStringList lines = r.out.split(u'\n', Qt::SkipEmptyParts);
         QCOMPARE(lines.size(), 3);

@@ -1,9 +1,10 @@
-// The spelling members that are built: suggestions and corrections, forwarded to the spelling
-// area.
+// The spelling members of suggestions, corrections and the spelling dialog, forwarded to the
+// spelling area.
 
 #include "control/kvrtb.h"
 
 #include "core/controlcore.h"
+#include "spelling/spellcheckfrm.h"
 #include "spelling/spellingcorrections.h"
 #include "spelling/suggestions.h"
 
@@ -32,6 +33,11 @@ void KvRTB::FixSpelling2(const QString &CorrectSpelling)
 int KvRTB::UndoSpellCorrection()
 {
     return core().spellingCorrections().UndoSpellCorrection();
+}
+
+void KvRTB::ShowSpellCheck()
+{
+    SpellCheckFrm::showFor(core());
 }
 
 } // namespace kvrtb

@@ -23,9 +23,9 @@ class Misspellings;
 class Printing;
 class Ruler;
 class SpecialUndo;
-class WhatsThisHelp;
 class SpellingCorrections;
 class Syntax;
+class WhatsThisHelp;
 
 /// \brief Everything a control is, without the widget: its two editor surfaces, the platform
 /// services, its settings, the sink of its events, and one object per area of its logic.

@@ -61,11 +61,6 @@ QString withExtensionOf(const QString &path, const QString &filter)
     return QFileInfo(path).suffix().isEmpty() ? path + extension : path;
 }
 
-// Commands of the control's areas that this build does not have yet: their menu items are hidden
-// rather than shown broken. Kept in step with the library as areas land.
-const QStringList kNotInThisBuild{
-    QStringLiteral("ShowSpellCheck")};
-
 } // namespace
 
 DemoWindow::DemoWindow()
@@ -106,13 +101,12 @@ DemoWindow::DemoWindow()
     setCurrentFile(QString());
 }
 
-QAction *DemoWindow::addCommand(QMenu *menu, const QString &text, const char *member, std::function<void()> run,
+QAction *DemoWindow::addCommand(QMenu *menu, const QString &text, std::function<void()> run,
                                 const QKeySequence &shortcut)
 {
     QAction *action = menu->addAction(text, this, std::move(run));
     if (!shortcut.isEmpty())
         action->setShortcut(shortcut);
-    action->setVisible(!kNotInThisBuild.contains(QLatin1String(member)));
     return action;
 }
 
@@ -130,8 +124,8 @@ void DemoWindow::buildFileMenu()
     file->addAction(QStringLiteral("Save &As..."), QKeySequence::SaveAs, this, [this] { saveAs(); });
     file->addAction(QStringLiteral("Save &Enciphered..."), this, [this] { saveEnciphered(); });
     file->addSeparator();
-    addCommand(file, QStringLiteral("Print Pre&view"), "ShowPrintPreview", [this] { m_editor->ShowPrintPreview(); });
-    addCommand(file, QStringLiteral("&Print..."), "CommonDialogPrint", [this] { m_editor->CommonDialogPrint(); },
+    addCommand(file, QStringLiteral("Print Pre&view"), [this] { m_editor->ShowPrintPreview(); });
+    addCommand(file, QStringLiteral("&Print..."), [this] { m_editor->CommonDialogPrint(); },
                QKeySequence::Print);
     file->addSeparator();
     file->addAction(QStringLiteral("E&xit"), QKeySequence::Quit, this, [this] { close(); });
@@ -153,7 +147,7 @@ void DemoWindow::buildEditMenu()
     m_delete = edit->addAction(QStringLiteral("&Delete"), this, [this] { m_editor->Delete(); });
     edit->addAction(QStringLiteral("Select &All"), QKeySequence::SelectAll, this, [this] { m_editor->SelectAllText(); });
     edit->addSeparator();
-    addCommand(edit, QStringLiteral("&Find and Replace..."), "ShowFindReplace", [this] { m_editor->ShowFindReplace(); },
+    addCommand(edit, QStringLiteral("&Find and Replace..."), [this] { m_editor->ShowFindReplace(); },
                QKeySequence(Qt::CTRL | Qt::Key_H));
     edit->addAction(QStringLiteral("&Go to Line..."), QKeySequence(Qt::CTRL | Qt::Key_G), this, [this] { goToLine(); });
     edit->addSeparator();
@@ -163,13 +157,13 @@ void DemoWindow::buildEditMenu()
 void DemoWindow::buildFormatMenu()
 {
     QMenu *format = menuBar()->addMenu(QStringLiteral("F&ormat"));
-    addCommand(format, QStringLiteral("&Font..."), "ShowFontSelect", [this] {
+    addCommand(format, QStringLiteral("&Font..."), [this] {
         if (m_editor->UseCustomFontDialog())
             m_editor->ShowFontSelect();
         else
             m_editor->CommonDialogFontSelect();
     });
-    addCommand(format, QStringLiteral("Font &Colour..."), "CommonDialogSelFontColor",
+    addCommand(format, QStringLiteral("Font &Colour..."),
                [this] { m_editor->CommonDialogSelFontColor(m_editor->SelColor()); });
     // Ctrl+B/I/U are the control's own keys; the menu items show the state of the selection.
     m_bold = format->addAction(QStringLiteral("&Bold"), this, [this] { m_editor->setSelBold(!m_editor->SelBold().toBool()); });
@@ -218,30 +212,30 @@ void DemoWindow::buildFormatMenu()
 void DemoWindow::buildToolsMenu()
 {
     QMenu *tools = menuBar()->addMenu(QStringLiteral("&Tools"));
-    addCommand(tools, QStringLiteral("&Spelling..."), "ShowSpellCheck", [this] { m_editor->ShowSpellCheck(); },
+    addCommand(tools, QStringLiteral("&Spelling..."), [this] { m_editor->ShowSpellCheck(); },
                QKeySequence(Qt::Key_F7));
-    addCommand(tools, QStringLiteral("&Word Count..."), "ShowWordCount", [this] { m_editor->ShowWordCount(); });
-    addCommand(tools, QStringLiteral("&Random Word..."), "ShowRandomWord", [this] { m_editor->ShowRandomWord(); });
+    addCommand(tools, QStringLiteral("&Word Count..."), [this] { m_editor->ShowWordCount(); });
+    addCommand(tools, QStringLiteral("&Random Word..."), [this] { m_editor->ShowRandomWord(); });
     tools->addSeparator();
     tools->addAction(QStringLiteral("&Mark Links"), this, [this] { m_editor->HyperLinkDocument(); });
     tools->addAction(QStringLiteral("Remove Lin&ks"), this, [this] { m_editor->UnHyperLinkDocument(); });
     tools->addSeparator();
     QMenu *colour = tools->addMenu(QStringLiteral("&Colour Keywords"));
-    addCommand(colour, QStringLiteral("&VB6"), "ApplyVB6Syntax",
+    addCommand(colour, QStringLiteral("&VB6"),
                [this] { m_editor->ApplyVB6Syntax(kvrtb::Syntax_All_Text, kvrtb::Retain_All_Formatting); });
-    addCommand(colour, QStringLiteral("VB.&NET"), "ApplyVBNetSyntax",
+    addCommand(colour, QStringLiteral("VB.&NET"),
                [this] { m_editor->ApplyVBNetSyntax(kvrtb::Syntax_All_Text, kvrtb::Retain_All_Formatting); });
-    addCommand(colour, QStringLiteral("&My Keywords"), "ApplyMySyntax",
+    addCommand(colour, QStringLiteral("&My Keywords"),
                [this] { m_editor->ApplyMySyntax(kvrtb::Syntax_All_Text, kvrtb::Retain_All_Formatting); });
     colour->addSeparator();
-    addCommand(colour, QStringLiteral("&Stop Colouring"), "Cancel_Syntax", [this] { m_editor->Cancel_Syntax(); },
+    addCommand(colour, QStringLiteral("&Stop Colouring"), [this] { m_editor->Cancel_Syntax(); },
                QKeySequence(Qt::Key_Escape));
 }
 
 void DemoWindow::buildViewMenu()
 {
     QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
-    m_ruler = addCommand(view, QStringLiteral("&Ruler"), "DrawRuler", [this] { m_editor->setDisplayRuler(m_ruler->isChecked()); });
+    m_ruler = addCommand(view, QStringLiteral("&Ruler"), [this] { m_editor->setDisplayRuler(m_ruler->isChecked()); });
     m_wrap = view->addAction(QStringLiteral("&Word Wrap"), this, [this] { m_editor->Word_Wrap(m_wrap->isChecked(), true); });
     m_links = view->addAction(QStringLiteral("Detect &Links While Typing"), this,
                               [this] { m_editor->setDetectHyperLinks(m_links->isChecked()); });

@@ -38,7 +38,7 @@ private:
     void buildToolsMenu();
     void buildViewMenu();
     void buildToolBar();
-    QAction *addCommand(QMenu *menu, const QString &text, const char *member, std::function<void()> run,
+    QAction *addCommand(QMenu *menu, const QString &text, std::function<void()> run,
                         const QKeySequence &shortcut = QKeySequence());
 
     bool maybeSave();

@@ -13,7 +13,6 @@
 
 #include <QFrame>
 #include <QProgressBar>
-#include <QSet>
 #include <QSequentialIterable>
 
 #include <algorithm>
@@ -343,15 +342,6 @@ bool KvRTB::HasRTBChanged() const
 void KvRTB::SetRTBChanged(const bool &BoolValQ)
 {
     m_core->surface().setModified(BoolValQ);
-}
-
-void KvRTB::reportNotAvailable(const char *member) const
-{
-    static thread_local QSet<QByteArray> reported;
-    if (reported.contains(member))
-        return;
-    reported.insert(member);
-    qWarning("KvRTB::%s is not available in this build yet; it returns its not-found value.", member);
 }
 
 } // namespace kvrtb

@@ -38,8 +38,6 @@ class PropertyBag;
 ///   (-1, false, an empty string or list).
 /// - Selection attributes that differ across the selection ("mixed") read as a null QVariant,
 ///   by name and from C++ alike.
-/// - Members of areas that are not in this build yet return their not-found value and print a
-///   warning naming the member, once per member.
 ///
 /// Life cycle: the constructor initialises (a new document model, the per-thread cancel flag
 /// and scratch string cleared); then the host calls either `initProperties()` (first placement)
@@ -632,8 +630,6 @@ private:
     QVariant propertyValue(const char *key) const;
     /// Applies a persisted property and tells the host (and its menus, for the keys they mirror).
     void setPropertyValue(const char *key, const QVariant &value);
-    /// Prints, once per member, that \a member belongs to an area not in this build.
-    void reportNotAvailable(const char *member) const;
 
     // ControlEvents: the areas raise the control's events through these.
     void click() override;

@@ -513,6 +513,13 @@ void TestRtf::notesAreShownAndWrittenBack()
     QTextDocument part;
     QVERIFY(rtf::readRtf(part, rtf::writeRtf(doc, first.position(), first.position() + first.length() - 1)).ok);
     QCOMPARE(notesView(part), QString::fromUtf8("Study. It was work1 and* was.|N1/1: 1\u00a0A bibliography.|N1/1: Second."));
+
+    // A note whose paragraph is ended by a table: the note goes before the table, and the
+    // table's text keeps its own format.
+    QTextDocument beforeTable;
+    QVERIFY(rtf::readRtf(beforeTable, "{\\rtf1 Text\\chftn{\\footnote{\\i note}}\\trowd\\cellx1000\\intbl{\\b cell}\\cell\\row}").ok);
+    QCOMPARE(notesView(beforeTable), QStringLiteral("Text1|N1/1: note||cell|"));
+    QVERIFY(signature(beforeTable).contains(QStringLiteral("] cell\n  @0 b1 i0")));
 }
 
 void TestRtf::shapesShowTextAndPictures()

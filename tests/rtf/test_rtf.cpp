@@ -109,6 +109,18 @@ QString textOfReferenceHtml(const QString &path)
     return normalisedText(doc.toPlainText());
 }
 
+// A 4 x 3 picture of one colour, as PNG bytes.
+QByteArray pngOf(Qt::GlobalColor colour)
+{
+    QImage image(4, 3, QImage::Format_RGB32);
+    image.fill(colour);
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
 // The document's text without its notes' paragraphs.
 QString textWithoutNotes(const QTextDocument &doc)
 {
@@ -524,12 +536,7 @@ void TestRtf::notesAreShownAndWrittenBack()
 
 void TestRtf::shapesShowTextAndPictures()
 {
-    QImage image(4, 3, QImage::Format_RGB32);
-    image.fill(Qt::blue);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
+    const QByteArray png = pngOf(Qt::blue);
     const QByteArray pict = "{\\pict\\pngblip\\picw4\\pich3 " + png.toHex() + "}";
     const QByteArray source =
         "{\\rtf1\\ansi Before {\\shp{\\*\\shpinst\\shpleft0\\shptop0{\\sp{\\sn shapeType}{\\sv 202}}"
@@ -683,12 +690,7 @@ void TestRtf::rightToLeftTextKeepsItsProperties()
 
 void TestRtf::linksPicturesTablesAndLists()
 {
-    QImage image(4, 3, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
+    const QByteArray png = pngOf(Qt::red);
     const QByteArray rtfText = "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;}\n"
                                "See {\\field{\\*\\fldinst{HYPERLINK \"http://x.org/\" \\\\o \"tip\"}}{\\fldrslt{\\lang357\\ul here}}} now.\\par\n"
                                "{\\pict\\pngblip\\picw4\\pich3\\picwgoal600\\pichgoal450 " + png.toHex() + "}"

@@ -109,6 +109,18 @@ QString textOfReferenceHtml(const QString &path)
     return normalisedText(doc.toPlainText());
 }
 
+// A 4 x 3 picture of one colour, as PNG bytes.
+QByteArray pngOf(Qt::GlobalColor colour)
+{
+    QImage image(4, 3, QImage::Format_RGB32);
+    image.fill(colour);
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
 // The document's text without its notes' paragraphs.
 QString textWithoutNotes(const QTextDocument &doc)
 {
@@ -513,16 +525,18 @@ void TestRtf::notesAreShownAndWrittenBack()
     QTextDocument part;
     QVERIFY(rtf::readRtf(part, rtf::writeRtf(doc, first.position(), first.position() + first.length() - 1)).ok);
     QCOMPARE(notesView(part), QString::fromUtf8("Study. It was work1 and* was.|N1/1: 1\u00a0A bibliography.|N1/1: Second."));
+
+    // A note whose paragraph is ended by a table: the note goes before the table, and the
+    // table's text keeps its own format.
+    QTextDocument beforeTable;
+    QVERIFY(rtf::readRtf(beforeTable, "{\\rtf1 Text\\chftn{\\footnote{\\i note}}\\trowd\\cellx1000\\intbl{\\b cell}\\cell\\row}").ok);
+    QCOMPARE(notesView(beforeTable), QStringLiteral("Text1|N1/1: note||cell|"));
+    QVERIFY(signature(beforeTable).contains(QStringLiteral("] cell\n  @0 b1 i0")));
 }
 
 void TestRtf::shapesShowTextAndPictures()
 {
-    QImage image(4, 3, QImage::Format_RGB32);
-    image.fill(Qt::blue);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
+    const QByteArray png = pngOf(Qt::blue);
     const QByteArray pict = "{\\pict\\pngblip\\picw4\\pich3 " + png.toHex() + "}";
     const QByteArray source =
         "{\\rtf1\\ansi Before {\\shp{\\*\\shpinst\\shpleft0\\shptop0{\\sp{\\sn shapeType}{\\sv 202}}"
@@ -676,12 +690,7 @@ void TestRtf::rightToLeftTextKeepsItsProperties()
 
 void TestRtf::linksPicturesTablesAndLists()
 {
-    QImage image(4, 3, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
+    const QByteArray png = pngOf(Qt::red);
     const QByteArray rtfText = "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;}\n"
                                "See {\\field{\\*\\fldinst{HYPERLINK \"http://x.org/\" \\\\o \"tip\"}}{\\fldrslt{\\lang357\\ul here}}} now.\\par\n"
                                "{\\pict\\pngblip\\picw4\\pich3\\picwgoal600\\pichgoal450 " + png.toHex() + "}"

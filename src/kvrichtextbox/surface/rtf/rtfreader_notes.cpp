@@ -95,6 +95,10 @@ void Reader::insertPendingNotes()
     const bool savedFinished = m_finished; // notes of the last paragraph are read after the end
     m_finished = false;
     flushText();
+    // Notes may be read while a run of text is being started (a table after the paragraph):
+    // that run keeps its own format.
+    const CharState savedRunState = m_runState;
+    const bool savedRunStateSet = m_runStateSet;
     for (const PendingNote &note : notes) {
         m_inNote = true;
         m_noteId = note.id;
@@ -136,6 +140,8 @@ void Reader::insertPendingNotes()
     m_paragraphHasContent = savedHasContent;
     m_lastWasPar = savedLastWasPar;
     m_finished = savedFinished;
+    m_runState = savedRunState;
+    m_runStateSet = savedRunStateSet;
 }
 
 } // namespace kvrtb::rtf::detail

@@ -263,6 +263,7 @@ private slots:
             dialog = c.editor.findChild<SpellCheckFrm *>();
             if (dialog && ++yields == 2) {
                 QVERIFY(part<QProgressBar>(dialog, "ProgressBar")->isVisible());
+                QCOMPARE(part<QLabel>(dialog, "StatusLB")->text(), QStringLiteral("Checking the document..."));
                 click(dialog, "CancelButton");
             }
         };

@@ -8,7 +8,6 @@
 #include "clirun.h"
 #include "testregistry.h"
 
-#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -234,7 +233,6 @@ private slots:
 
     void badInput()
     {
-        QElapsedTimer timer;
         const QStringList words = {
             QString(10000, u'a'),
             QStringLiteral("b") + QString(9999, u'7'),            // not for the index: the pattern

@@ -162,6 +162,7 @@ void SpellCheckFrm::startCheck()
     m_stoppedAtWord = false;
     m_progress->setValue(0);
     showState();
+    m_status->setText(QStringLiteral("Checking the document..."));
     Misspellings::Observer observer;
     observer.isCancelled = [this] { return m_cancelRequested; };
     observer.progress = [this](int counter, int total) {
@@ -229,10 +230,8 @@ void SpellCheckFrm::showState()
     }
     switch (state) {
     case State::Idle:
-    case State::Word:
-        break;
     case State::Checking:
-        m_status->setText(QStringLiteral("Checking the document..."));
+    case State::Word:
         break;
     case State::Cancelled:
         m_status->setText(QStringLiteral("The check was cancelled."));

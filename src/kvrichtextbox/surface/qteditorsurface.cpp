@@ -150,6 +150,15 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, removed, added);
     m_modified = true;
     markLinesDirty();
+    if (!m_contentsObservers.isEmpty()) {
+        // The document reports a change of its first block with counts that may run past the
+        // end (the final paragraph mark); observers get counts within the text.
+        const int length = textLength();
+        const int position = std::clamp(from, 0, length);
+        const int now = std::clamp(added, 0, length - position);
+        for (const ContentsObserver &observer : std::as_const(m_contentsObservers))
+            observer(position, std::max(0, removed), now);
+    }
 }
 
 void QtEditorSurface::onCursorMoved()

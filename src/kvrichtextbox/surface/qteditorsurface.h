@@ -3,6 +3,8 @@
 #include "core/editorsurface.h"
 
 #include <QObject>
+#include <QMap>
+#include <QTextCharFormat>
 #include <QTextCursor>
 #include <QVector>
 
@@ -127,6 +129,12 @@ public:
 
     void setListener(SurfaceListener *listener) override;
 
+    void setDecorations(DecorationLayer layer, const QList<TextSpan> &spans) override;
+    QList<TextSpan> decorations(DecorationLayer layer) const override;
+    TextSpan paragraphAt(int position) const override;
+    int charAtGlobalPoint(const QPoint &globalPoint) const override;
+    void addContentsObserver(ContentsObserver observer) override;
+
 private:
     QTextCursor cursor() const;
     void setCursor(const QTextCursor &cursor);
@@ -154,8 +162,15 @@ private:
     void applyWrap();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
+    /// Hands the decoration layers to the widget, in layer order (later layers paint on top).
+    void applyDecorations();
+    /// The look of a layer's spans in the widget's current palette.
+    QTextCharFormat decorationFormat(DecorationLayer layer) const;
 
     SurfaceTextEdit *m_edit = nullptr;
+    /// Each decoration layer's spans as cursors, so that they move with edits.
+    QMap<int, QList<QTextCursor>> m_decorations;
+    QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;
     mutable QTextCursor m_batch;  ///< holds the edit block open while frozen

@@ -110,6 +110,7 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
 {
     QTextDocument *doc = m_edit->document();
     doc->setUndoRedoEnabled(true);
+    m_edit->setAccessibleName(tr("Rich text editor"));
     connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
     connect(doc, &QTextDocument::contentsChanged, this, [this] {
         if (m_listener)

@@ -389,7 +389,9 @@ public:
     /// a tint of the palette's highlight), replacing what that layer drew before. A decoration
     /// is paint only: it is never part of the document, its RTF, its undo or any character
     /// format the control reports, and its colours follow the widget's palette. Spans move with
-    /// later edits until the layer is replaced; spans out of range are clipped.
+    /// later edits (a span an edit touches is dropped) until the layer is replaced; \a spans are
+    /// sorted by start and do not overlap; spans out of range are clipped. Only the spans in view
+    /// are painted, so a layer may hold many.
     virtual void setDecorations(DecorationLayer layer, const QList<TextSpan> &spans) = 0;
     /// The spans of \a layer as drawn now (moved by the edits since they were set).
     virtual QList<TextSpan> decorations(DecorationLayer layer) const = 0;

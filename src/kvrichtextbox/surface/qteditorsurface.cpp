@@ -121,7 +121,16 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
             m_lastWasUndo = false;
     });
     connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
-    connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] { markLinesDirty(); });
+    connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] {
+        markLinesDirty();
+        if (!m_decorations.isEmpty())
+            applyDecorations();
+    });
+    connect(m_edit, &SurfaceTextEdit::paletteChanged, this, [this] { applyDecorations(); });
+    connect(m_edit->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+        if (!m_decorations.isEmpty())
+            applyDecorations();
+    });
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, &QtEditorSurface::onCursorMoved);
     connect(m_edit, &QTextEdit::selectionChanged, this, &QtEditorSurface::onCursorMoved);
     connect(m_edit, &QObject::destroyed, this, [this] { m_edit = nullptr; });
@@ -151,6 +160,8 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, removed, added);
     m_modified = true;
     markLinesDirty();
+    if (!m_decorations.isEmpty())
+        moveDecorations(from, std::max(0, removed), std::max(0, added));
     if (!m_contentsObservers.isEmpty()) {
         // The document reports a change of its first block with counts that may run past the
         // end (the final paragraph mark); observers get counts within the text.

@@ -162,14 +162,17 @@ private:
     void applyWrap();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
-    /// Hands the decoration layers to the widget, in layer order (later layers paint on top).
+    /// Hands the decoration spans in view to the widget, in layer order (later layers paint on top).
     void applyDecorations();
+    /// Moves the decoration spans for an edit; spans the edit touched are dropped.
+    void moveDecorations(int position, int removed, int added);
     /// The look of a layer's spans in the widget's current palette.
     QTextCharFormat decorationFormat(DecorationLayer layer) const;
 
     SurfaceTextEdit *m_edit = nullptr;
-    /// Each decoration layer's spans as cursors, so that they move with edits.
-    QMap<int, QList<QTextCursor>> m_decorations;
+    /// Each decoration layer's spans, moved by every edit. Only the spans in view become the
+    /// widget's extra selections (a long document may have thousands), again on each scroll.
+    QMap<int, QList<TextSpan>> m_decorations;
     QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;

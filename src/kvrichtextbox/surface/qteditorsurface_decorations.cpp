@@ -52,43 +52,67 @@ void QtEditorSurface::setDecorations(DecorationLayer layer, const QList<TextSpan
 {
     if (!m_edit)
         return;
-    QList<QTextCursor> cursors;
-    cursors.reserve(spans.size());
+    QList<TextSpan> kept;
+    kept.reserve(spans.size());
     const int length = textLength();
     for (const TextSpan &span : spans) {
         const int start = std::clamp(span.start, 0, length);
         const int end = std::clamp(span.end(), start, length);
-        if (end <= start)
-            continue;
-        QTextCursor cursor(document());
-        cursor.setPosition(start);
-        cursor.setPosition(end, QTextCursor::KeepAnchor);
-        cursors.append(cursor);
+        if (end > start)
+            kept.append({start, end - start});
     }
-    if (cursors.isEmpty())
+    if (kept.isEmpty())
         m_decorations.remove(int(layer));
     else
-        m_decorations.insert(int(layer), cursors);
+        m_decorations.insert(int(layer), kept);
     applyDecorations();
 }
 
 QList<EditorSurface::TextSpan> QtEditorSurface::decorations(DecorationLayer layer) const
 {
-    QList<TextSpan> spans;
-    for (const QTextCursor &cursor : m_decorations.value(int(layer))) {
-        if (cursor.hasSelection())
-            spans.append({cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()});
+    return m_decorations.value(int(layer));
+}
+
+void QtEditorSurface::moveDecorations(int position, int removed, int added)
+{
+    const int delta = added - removed;
+    for (QList<TextSpan> &spans : m_decorations) {
+        QList<TextSpan> moved;
+        moved.reserve(spans.size());
+        for (TextSpan span : std::as_const(spans)) {
+            if (span.end() <= position) {
+                moved.append(span);
+            } else if (span.start >= position + removed) {
+                span.start += delta;
+                moved.append(span);
+            }
+        }
+        spans.swap(moved);
     }
-    return spans;
 }
 
 void QtEditorSurface::applyDecorations()
 {
+    if (!m_edit)
+        return;
+    // The paragraphs in view, from the one at the top-left corner to the one at the bottom-right.
+    const QRect view = m_edit->viewport()->rect();
+    const int first = document()->findBlock(m_edit->cursorForPosition(view.topLeft()).position()).position();
+    const QTextBlock lastBlock = document()->findBlock(m_edit->cursorForPosition(view.bottomRight()).position());
+    const int last = lastBlock.position() + lastBlock.length();
+
     QList<QTextEdit::ExtraSelection> selections;
     for (auto it = m_decorations.cbegin(); it != m_decorations.cend(); ++it) {
         const QTextCharFormat format = decorationFormat(DecorationLayer(it.key()));
-        for (const QTextCursor &cursor : it.value())
+        const QList<TextSpan> &spans = it.value();
+        auto from = std::lower_bound(spans.cbegin(), spans.cend(), first,
+                                     [](const TextSpan &span, int at) { return span.end() <= at; });
+        for (; from != spans.cend() && from->start < last; ++from) {
+            QTextCursor cursor(document());
+            cursor.setPosition(from->start);
+            cursor.setPosition(from->end(), QTextCursor::KeepAnchor);
             selections.append({cursor, format});
+        }
     }
     m_edit->setExtraSelections(selections);
 }

@@ -2,21 +2,17 @@
 // 20,000 addresses, finding addresses alone, the linking pass run while typing, and swapping a
 // 5 MB document with its snapshot.
 
-#include "core/controlcore.h"
-#include "core/controlevents.h"
-#include "core/recordingplatformservices.h"
+#include "benchsupport.h"
 #include "core/threadstate.h"
 #include "editing/specialundo.h"
 #include "hyperlinks/addresspatterns.h"
 #include "hyperlinks/hyperlinks.h"
 
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QWidget>
 
 #include <cstdio>
 
 using namespace kvrtb;
+using kvrtb::bench::ms;
 
 namespace {
 
@@ -44,22 +40,13 @@ QString documentWithAddresses(int bytes, int addresses)
     return text;
 }
 
-double ms(const QElapsedTimer &timer)
-{
-    return double(timer.nsecsElapsed()) / 1e6;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    RecordingPlatformServices services;
-    ControlEvents events;
-    ControlCore core(nullptr, services, events);
-    core.surface().widget()->resize(800, 600);
+    bench::BenchApplication app(argc, argv);
+    bench::BenchControl control;
+    ControlCore &core = control.core;
 
     const QString linkDoc = documentWithAddresses(2 * 1024 * 1024, 20000);
     QElapsedTimer timer;

@@ -2,14 +2,10 @@
 // checker ("hunspell -l" with its US dictionary) run over the same text in the same run for a
 // words-per-second comparison ("--no-reference" leaves it out).
 
-#include "core/controlcore.h"
-#include "core/controlevents.h"
-#include "core/recordingplatformservices.h"
+#include "benchsupport.h"
 #include "spelling/dictionary.h"
 #include "spelling/misspellings.h"
 
-#include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -86,12 +82,9 @@ QString prose(int words)
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    RecordingPlatformServices services;
-    ControlEvents events;
-    ControlCore core(nullptr, services, events);
+    bench::BenchApplication application(argc, argv);
+    bench::BenchControl control;
+    ControlCore &core = control.core;
 
     const int wordCount = 1'000'000;
     const QString text = prose(wordCount);
@@ -111,7 +104,7 @@ int main(int argc, char *argv[])
     std::printf("DetectMisspellings:                %8.3f s  %10.0f words/s  (%d candidates, %lld misspelt)\n", ours,
                 examined / ours, examined, static_cast<long long>(found.size()));
 
-    if (app.arguments().contains(QStringLiteral("--no-reference")))
+    if (application.app.arguments().contains(QStringLiteral("--no-reference")))
         return 0;
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("prose.txt"));

@@ -87,7 +87,7 @@ int runColour(const QStringList &args)
 
     cli::HeadlessControl control;
     if (!control.load(positional.at(1)))
-        return 1;
+        return cli::ExitBadInput;
     ControlProperties &properties = control.core.properties();
     properties.MyFirstString = lists[0];
     properties.MySecondString = lists[1];
@@ -103,7 +103,7 @@ int runColour(const QStringList &args)
     QString error;
     if (!control.core.surface().saveFile(positional.at(2), SurfaceFileType::Rtf, &error)) {
         cli::printErr(QStringLiteral("kvrtb: %1\n").arg(error));
-        return 1;
+        return cli::ExitBadOutput;
     }
     return 0;
 }

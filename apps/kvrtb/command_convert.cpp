@@ -12,7 +12,10 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QTextDocument>
+#include <QTemporaryDir>
 #include <QTextDocumentWriter>
+
+#include <memory>
 
 namespace {
 
@@ -81,56 +84,146 @@ QString saveDocument(const QTextDocument &doc, const QString &path)
 
 } // namespace
 
-namespace kvrtb::cli {
-
-/// The conversion behind `kvrtb convert`; returns an error message, empty on success.
-QString convertDocument(const QString &input, const QString &output)
-{
-    QTextDocument doc;
-    const QString error = loadDocument(input, doc);
-    if (!error.isEmpty())
-        return error;
-    return saveDocument(doc, output);
-}
-
-} // namespace kvrtb::cli
-
 namespace {
+
+using namespace kvrtb::cli;
+
+const char kUsage[] = "convert [--clean-up] [--yes|--no] [--from TYPE] [--to TYPE] INPUT OUTPUT";
+
+/// A file that stands for standard input or output ("-") for the length of a conversion.
+class StandardStream {
+public:
+    /// The extension the temporary file gets, so that the format is known by name.
+    explicit StandardStream(const QString &extension) : m_path(m_dir.filePath(QStringLiteral("stream.") + extension)) {}
+    const QString &path() const { return m_path; }
+
+    bool fillFromStandardInput()
+    {
+        QFile in;
+        QFile out(m_path);
+        return in.open(stdin, QIODevice::ReadOnly) && out.open(QIODevice::WriteOnly) && out.write(in.readAll()) >= 0;
+    }
+    bool copyToStandardOutput() const
+    {
+        QFile in(m_path);
+        QFile out;
+        if (!in.open(QIODevice::ReadOnly) || !out.open(stdout, QIODevice::WriteOnly))
+            return false;
+        return out.write(in.readAll()) >= 0 && out.flush();
+    }
+
+private:
+    QTemporaryDir m_dir;
+    QString m_path;
+};
+
+const QStringList kStreamFormats{QStringLiteral("rtf"), QStringLiteral("txt"), QStringLiteral("html"),
+                                 QStringLiteral("md")};
+
+int convert(const QString &input, const QString &output, const ConvertOptions &options)
+{
+    // Whatever the output, an enciphered input cannot be read.
+    if (refuseEnciphered(input))
+        return ExitBadInput;
+    // Between the control's own types (.rtf, .txt, .mbdf) the control loads and saves, as a
+    // host would: encodings and line ends of text files kept, failed saves leave the target.
+    if (controlFileType(input) >= 0 && controlFileType(output) >= 0)
+        return convertThroughControl(input, output, options);
+    if (formatOf(input) == Format::Unknown || formatOf(output) == Format::Unknown) {
+        printErr(QStringLiteral("kvrtb convert: unknown format of \"%1\" (use .rtf, .txt, .html, .md; .odt as output)\n")
+                     .arg(formatOf(input) == Format::Unknown ? input : output));
+        return ExitUsage;
+    }
+    QTextDocument doc;
+    QString error = loadDocument(input, doc);
+    if (!error.isEmpty()) {
+        printErr(QStringLiteral("kvrtb convert: %1\n").arg(error));
+        return ExitBadInput;
+    }
+    error = saveDocument(doc, output);
+    if (!error.isEmpty()) {
+        printErr(QStringLiteral("kvrtb convert: %1\n").arg(error));
+        return ExitBadOutput;
+    }
+    return ExitOk;
+}
 
 int runConvert(const QStringList &arguments)
 {
-    // --yes / --no answer the control's questions (saving formatted text as text); yes by default.
-    kvrtb::MessageAnswer answer = kvrtb::MessageAnswer::Yes;
+    ConvertOptions options;
+    QString from;
+    QString to = QStringLiteral("txt");
     QStringList args;
-    for (const QString &arg : arguments) {
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &arg = arguments.at(i);
         if (arg == QLatin1String("--yes"))
-            answer = kvrtb::MessageAnswer::Yes;
+            options.answer = kvrtb::MessageAnswer::Yes;
         else if (arg == QLatin1String("--no"))
-            answer = kvrtb::MessageAnswer::No;
-        else
+            options.answer = kvrtb::MessageAnswer::No;
+        else if (arg == QLatin1String("--clean-up"))
+            options.cleanUp = true;
+        else if ((arg == QLatin1String("--from") || arg == QLatin1String("--to")) && i + 1 < arguments.size())
+            (arg == QLatin1String("--from") ? from : to) = arguments.at(++i).toLower();
+        else if (arg.startsWith(QLatin1String("--"))) {
+            printErr(QStringLiteral("kvrtb convert: unknown option \"%1\"\n").arg(arg));
+            return ExitUsage;
+        } else
             args << arg;
     }
-    if (args.size() != 2) {
-        kvrtb::cli::printErr(QStringLiteral("Usage: kvrtb convert [--yes|--no] INPUT OUTPUT\n"));
-        return 2;
+    if (args.size() != 2 || (!from.isEmpty() && !kStreamFormats.contains(from)) || !kStreamFormats.contains(to)) {
+        printErr(QStringLiteral("Usage: kvrtb %1\n").arg(QLatin1String(kUsage)));
+        return ExitUsage;
     }
-    // Whatever the output, an enciphered input cannot be read.
-    if (kvrtb::cli::refuseEnciphered(args[0]))
-        return 1;
-    // Between the control's own types (.rtf, .txt, .mbdf) the control loads and saves, as a
-    // host would: encodings and line ends of text files kept, failed saves leave the target.
-    if (kvrtb::cli::controlFileType(args[0]) >= 0 && kvrtb::cli::controlFileType(args[1]) >= 0)
-        return kvrtb::cli::convertThroughControl(args[0], args[1], answer);
-    const QString error = kvrtb::cli::convertDocument(args[0], args[1]);
-    if (!error.isEmpty()) {
-        kvrtb::cli::printErr(QStringLiteral("kvrtb convert: %1\n").arg(error));
-        return 1;
+    QString input = args[0];
+    QString output = args[1];
+    std::unique_ptr<StandardStream> standardIn;
+    std::unique_ptr<StandardStream> standardOut;
+    if (input == QLatin1String("-")) {
+        if (from.isEmpty()) // RTF when it starts as RTF, text otherwise
+            from = QStringLiteral("auto");
+        standardIn = std::make_unique<StandardStream>(from == QLatin1String("auto") ? QStringLiteral("in") : from);
+        if (!standardIn->fillFromStandardInput()) {
+            printErr(QStringLiteral("kvrtb convert: cannot read standard input\n"));
+            return ExitBadInput;
+        }
+        if (from == QLatin1String("auto")) {
+            QFile peek(standardIn->path());
+            const bool rtf = peek.open(QIODevice::ReadOnly) && peek.read(5) == "{\\rtf";
+            peek.close();
+            auto typed = std::make_unique<StandardStream>(rtf ? QStringLiteral("rtf") : QStringLiteral("txt"));
+            QFile::copy(standardIn->path(), typed->path());
+            standardIn = std::move(typed);
+        }
+        input = standardIn->path();
     }
-    return 0;
+    if (output == QLatin1String("-")) {
+        standardOut = std::make_unique<StandardStream>(to);
+        output = standardOut->path();
+    }
+    const int status = convert(input, output, options);
+    if (status == ExitOk && standardOut && !standardOut->copyToStandardOutput()) {
+        printErr(QStringLiteral("kvrtb convert: cannot write standard output\n"));
+        return ExitBadOutput;
+    }
+    return status;
 }
 
 const kvrtb::cli::Registration registration{
-    {QStringLiteral("convert"), QStringLiteral("convert [--yes|--no] INPUT OUTPUT"),
-     QStringLiteral("convert a document between .rtf, .txt, .html, .md (and to .odt)"), runConvert}};
+    {QStringLiteral("convert"), QLatin1String(kUsage),
+     QStringLiteral("convert a document between .rtf, .txt, .mbdf, .html, .md (and to .odt), keeping every character"),
+     runConvert,
+     QStringLiteral(
+         "Between .rtf, .txt and .mbdf the control itself loads and saves the document, as a host\n"
+         "application would: text files keep their encoding and line ends, and a failed save leaves\n"
+         "the target as it was.\n\n"
+         "Options:\n"
+         "  --clean-up   run the control's clean-up passes on the loaded document (removes pictures\n"
+         "               and text between \"<\" and \">\"); off by default, so nothing is lost\n"
+         "  --yes, --no  answer the control's question before formatting is lost in a .txt (yes)\n"
+         "  --from TYPE  the format of standard input (rtf, txt, html, md; default: RTF when it\n"
+         "               starts as RTF, text otherwise)\n"
+         "  --to TYPE    the format written to standard output (default txt)\n\n"
+         "INPUT and OUTPUT may be \"-\" for standard input and output. A conversion that takes more\n"
+         "than a second reports its progress on standard error.")}};
 
 } // namespace

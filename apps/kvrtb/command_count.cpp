@@ -49,7 +49,7 @@ int runCount(const QStringList &args)
     }
     cli::HeadlessControl control;
     if (!control.load(file))
-        return 1;
+        return cli::ExitBadInput;
     WordCount area(control.core);
     const WordCountResult result = area.count(WordCountMode(mode));
     const TextStatistics stats = area.statistics().document;

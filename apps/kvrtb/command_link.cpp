@@ -15,12 +15,12 @@ int runLink(const QStringList &args)
     }
     cli::HeadlessControl control;
     if (!control.load(args.at(0)))
-        return 1;
+        return cli::ExitBadInput;
     control.core.hyperlinks().HyperLinkDocument();
     QString error;
     if (!control.core.surface().saveFile(args.at(1), SurfaceFileType::Rtf, &error)) {
         cli::printErr(QStringLiteral("kvrtb: %1\n").arg(error));
-        return 1;
+        return cli::ExitBadOutput;
     }
     return 0;
 }

@@ -15,7 +15,7 @@ int runLinks(const QStringList &args)
     }
     cli::HeadlessControl control;
     if (!control.load(args.first()))
-        return 1;
+        return cli::ExitBadInput;
     const QString text = control.core.surface().text();
     QString out;
     for (const AddressMatch &match : AddressPatterns::matches(AddressPatterns::link(), text))

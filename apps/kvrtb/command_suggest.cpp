@@ -47,7 +47,7 @@ int runSuggest(const QStringList &args)
         QFile input;
         if (!input.open(stdin, QIODevice::ReadOnly)) {
             printErr(QStringLiteral("kvrtb suggest: cannot read standard input\n"));
-            return 1;
+            return kvrtb::cli::ExitBadInput;
         }
         words = QString::fromUtf8(input.readAll()).split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
     }

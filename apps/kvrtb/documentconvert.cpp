@@ -5,9 +5,40 @@
 
 #include "documents/documents.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 
 namespace kvrtb::cli {
+
+namespace {
+
+/// Tells the terminal how a conversion goes once it has taken more than a second: the
+/// percentage of the control's long passes, and each phase as it ends.
+class ProgressLine : public ControlEvents {
+public:
+    void startPhase(const QString &what)
+    {
+        m_phase = what;
+        m_timer.start();
+    }
+    void endPhase()
+    {
+        if (m_timer.elapsed() > kQuietMs)
+            printErr(QStringLiteral("kvrtb convert: %1 done (%2 s)\n").arg(m_phase).arg(double(m_timer.elapsed()) / 1000.0, 0, 'f', 1));
+    }
+    void progressChanged(int percent) override
+    {
+        if (m_timer.elapsed() > kQuietMs && percent > 0)
+            printErr(QStringLiteral("kvrtb convert: %1 %2%\n").arg(m_phase).arg(percent));
+    }
+
+private:
+    static constexpr qint64 kQuietMs = 1000;
+    QString m_phase;
+    QElapsedTimer m_timer;
+};
+
+} // namespace
 
 int controlFileType(const QString &path)
 {
@@ -30,34 +61,42 @@ bool refuseEnciphered(const QString &input)
     return true;
 }
 
-int convertThroughControl(const QString &input, const QString &output, MessageAnswer answer)
+int convertThroughControl(const QString &input, const QString &output, const ConvertOptions &options)
 {
     if (refuseEnciphered(input))
-        return 1;
-    HeadlessControl control;
-    control.services.questionAnswer = answer;
-    Documents &documents = control.core.documents();
+        return ExitBadInput;
+    ConsoleServices services;
+    ProgressLine progress;
+    ControlCore core{nullptr, services, progress};
+    services.questionAnswer = options.answer;
+    core.properties().RemoveUnUsableData = options.cleanUp;
+    Documents &documents = core.documents();
     bool opened = false;
     bool links = false;
+    progress.startPhase(QStringLiteral("loading \"%1\"").arg(input));
     documents.LoadFile(input, controlFileType(input), &links, &opened);
     if (!opened) {
         printErr(QStringLiteral("kvrtb convert: cannot load \"%1\" (error %2): %3\n")
                      .arg(input)
                      .arg(documents.lastError())
                      .arg(documents.lastErrorReason()));
-        return 1;
+        return ExitBadInput;
     }
+    progress.endPhase();
+    progress.startPhase(QStringLiteral("saving \"%1\"").arg(output));
     if (!documents.SaveFile(output, controlFileType(output))) {
-        if (documents.lastError() == 0)
+        if (documents.lastError() == 0) {
             printErr(QStringLiteral("kvrtb convert: \"%1\" not written (answered No)\n").arg(output));
-        else
-            printErr(QStringLiteral("kvrtb convert: cannot save \"%1\" (error %2): %3\n")
-                         .arg(output)
-                         .arg(documents.lastError())
-                         .arg(documents.lastErrorReason()));
-        return 1;
+            return ExitNo;
+        }
+        printErr(QStringLiteral("kvrtb convert: cannot save \"%1\" (error %2): %3\n")
+                     .arg(output)
+                     .arg(documents.lastError())
+                     .arg(documents.lastErrorReason()));
+        return ExitBadOutput;
     }
-    return 0;
+    progress.endPhase();
+    return ExitOk;
 }
 
 } // namespace kvrtb::cli

@@ -11,6 +11,8 @@
 #include "editorinput/popupmenu.h"
 
 #include <QAbstractScrollArea>
+#include <QApplication>
+#include <QClipboard>
 #include <QImage>
 #include <QSignalSpy>
 #include <QTest>
@@ -235,6 +237,22 @@ void TestEditorInput::shortcutsActOnTheSelection()
     QCOMPARE(s.control.SelUnderline(), QVariant(true));
     QCOMPARE(s.control.Text(), QStringLiteral("word"));
 
+    // Ctrl+V pastes through the control while RemoveUnUsableData is on: its Paste snapshots the
+    // document first. With it off the editor pastes and the key-up records the run.
+    QApplication::clipboard()->setText(QStringLiteral("pasted "));
+    s.control.setSelStart(0);
+    QVERIFY(!s.control.GetCanUndoSpecial());
+    s.key(Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(s.control.Text(), QStringLiteral("pasted word"));
+    QVERIFY(s.control.GetCanUndoSpecial());
+    s.control.setRemoveUnUsableData(false);
+    s.control.setSelStart(0);
+    s.key(Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(s.control.Text(), QStringLiteral("pasted pasted word"));
+    s.control.HyperUndo();
+    QCOMPARE(s.control.Text(), QStringLiteral("pasted word"));
+    s.control.setText(QStringLiteral("word"));
+
     // Ctrl+F is taken by the control and does nothing.
     s.take();
     s.key(Qt::Key_F, Qt::ControlModifier);
@@ -318,6 +336,7 @@ void TestEditorInput::typedAddressIsLinkedAndOpensOnClick()
 
     s.leftClick(10);
     QCOMPARE(s.services.openedAddresses, QStringList{"www.example.com"});
+    QVERIFY(s.control.SelLength() == 0 && s.control.SelStart() > 4);
     QCOMPARE(s.services.clickSounds, 1);
     s.control.setTurnOnSound(false);
     s.leftClick(28);
@@ -326,6 +345,16 @@ void TestEditorInput::typedAddressIsLinkedAndOpensOnClick()
     // Plain text opens nothing.
     s.leftClick(1);
     QCOMPARE(s.services.openedAddresses.size(), 2);
+
+    // Enter inside a link records the document first (a new run with its snapshot); the half
+    // before the break, still an address, stays a link.
+    SpecialUndo &undo = s.control.core().specialUndo();
+    s.control.setSelStart(15); // after "www.example"
+    s.key(Qt::Key_Return);
+    QCOMPARE(undo.undoRunState(), 1);
+    QVERIFY(surface.rangeCharFormat(4, 11).hasLinkMarker());
+    s.control.HyperUndo();
+    QCOMPARE(s.control.Text(), QStringLiteral("see www.example.com and me@host.org "));
 }
 
 void TestEditorInput::mouseUpLowersTheRewriteFlag()
@@ -377,14 +406,18 @@ void TestEditorInput::popupMenuItemsAndCommands()
     const QStringList vb = s.take();
     QVERIFY(vb.indexOf("MenuVBSyntaxClickStart") >= 0 && vb.indexOf("MenuVBSyntaxClickEnd") > vb.indexOf("MenuVBSyntaxClickStart"));
 
-    // Font Color and Highlight Color raise their events; a cancelled dialog keeps the colour.
+    // Font Color takes the colour chosen in the dialog; a cancelled Highlight Color dialog
+    // keeps the old colour. Both raise their events.
     const uint highlight = s.control.MyHLColor();
+    s.services.colourDialogAnswers << ColourDialogResult{true, 0x00FF00};
     s.services.menuAnswers << int(MenuCommand::FontColor) << int(MenuCommand::HighlightColor);
     s.rightClick(1);
     s.rightClick(1);
     const QStringList colours = s.take();
     QVERIFY(colours.contains("MenuFontColorClick") && colours.contains("MenuHLColorClick"));
+    QCOMPARE(s.control.MyFontColor(), 0x00FF00u);
     QCOMPARE(s.control.MyHLColor(), highlight);
+    QCOMPARE(s.services.callsOf(QStringLiteral("colourDialog")).size(), 2);
 
     // Delete through the menu records the whole text: "Undo" is then the control's (id 2).
     s.control.setSelStart(0);

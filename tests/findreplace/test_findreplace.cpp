@@ -305,6 +305,7 @@ private slots:
         QCOMPARE(whole.lastIndexIn(text, 25), 22);
         QCOMPARE(TextSearch(QStringLiteral("aa"), AllMatches).allIn(QStringLiteral("aaaa")), (QList<qsizetype>{0, 2}));
     }
+
     void replaceCommand()
     {
 #ifndef KVRTB_CLI

@@ -6,10 +6,12 @@
 #include "core/recordingplatformservices.h"
 #include "help/helpfile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHelpEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 #include <QWhatsThis>
@@ -23,6 +25,7 @@ class TestHelp : public QObject {
 private slots:
     void helpFileInBothForms();
     void whatsThisOnTheEditor();
+    void clickSoundIsAPlayableWave();
 };
 
 void TestHelp::helpFileInBothForms()
@@ -100,6 +103,38 @@ void TestHelp::whatsThisOnTheEditor()
     QCOMPARE(services.openedAddresses, QStringList{QStringLiteral("file:///opt/app/manual.html")});
     control.ShowHelp();
     QCOMPARE(services.openedAddresses.last(), QStringLiteral("file:///opt/app/manual.html"));
+
+    // A file named relative to the working folder is opened by its full path.
+    QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    const QString previous = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    QFile manual(QStringLiteral("guide.html"));
+    QVERIFY(manual.open(QIODevice::WriteOnly));
+    manual.close();
+    control.setWhatsThisHelpFile(QStringLiteral("guide.html"));
+    control.ShowHelp();
+    QDir::setCurrent(previous);
+    QCOMPARE(services.openedAddresses.last(), QUrl::fromLocalFile(folder.filePath(QStringLiteral("guide.html"))).toString());
+}
+
+void TestHelp::clickSoundIsAPlayableWave()
+{
+    // The sound the desktop services play: a short 16-bit PCM wave carried in the library.
+    QFile file(QStringLiteral(":/kvrtb/sounds/click.wav"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray wave = file.readAll();
+    QVERIFY(wave.size() > 44 && wave.size() < 16 * 1024);
+    QCOMPARE(wave.mid(0, 4), QByteArray("RIFF"));
+    QCOMPARE(wave.mid(8, 8), QByteArray("WAVEfmt "));
+    const auto u16 = [&wave](int at) { return quint8(wave[at]) | (quint8(wave[at + 1]) << 8); };
+    const auto u32 = [&](int at) { return quint32(u16(at)) | (quint32(u16(at + 2)) << 16); };
+    QCOMPARE(u16(20), 1);    // PCM
+    QCOMPARE(u16(34), 16);   // bits per sample
+    QCOMPARE(wave.mid(36, 4), QByteArray("data"));
+    QCOMPARE(qsizetype(u32(40)), wave.size() - 44);
+    const double seconds = double(u32(40)) / (u32(24) * u16(32));
+    QVERIFY(seconds > 0.01 && seconds < 0.2);
 }
 
 QTEST_MAIN(TestHelp)

@@ -250,6 +250,7 @@ private slots:
         f.surface().setText(QStringLiteral("plain words only"));
         QVERIFY(!m.DetectNotWords(url));
     }
+
     void spellCommand()
     {
 #ifndef KVRTB_CLI

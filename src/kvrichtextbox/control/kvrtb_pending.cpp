@@ -20,5 +20,4 @@ void setIf(T *out, const T &value)
 // Spelling dialog: still to come.
 void KvRTB::ShowSpellCheck() { reportNotAvailable("ShowSpellCheck"); }
 
-
 } // namespace kvrtb

@@ -32,9 +32,11 @@ QString WhatsThisHelp::helpAddress() const
     const QString chosen = m_core.properties().WhatsThisHelpFile.trimmed();
     if (chosen.isEmpty())
         return HelpFile::GetHelpFile(false);
-    // A plain path becomes a file address; an address is taken as it stands.
-    if (QFileInfo(chosen).isAbsolute())
-        return QUrl::fromLocalFile(chosen).toString();
+    // A path becomes a file address (a relative one is taken from the working folder when the
+    // file is there); an address is taken as it stands.
+    const QFileInfo file(chosen);
+    if (file.isAbsolute() || file.exists())
+        return QUrl::fromLocalFile(file.absoluteFilePath()).toString();
     return chosen;
 }
 

@@ -1,5 +1,7 @@
 #include "surface/formatmapping.h"
 
+#include "surface/qteditorsurface_p.h"
+
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -127,26 +129,10 @@ void applyUnderlineAndLink(QTextCursor &cursor, const CharFormat &change)
     if (!change.underline && !change.linkEffect)
         return;
     QTextDocument *document = cursor.document();
-    const int start = cursor.selectionStart();
-    const int end = cursor.selectionEnd();
-    struct Piece {
-        int start;
-        int end;
-        QTextCharFormat format;
-    };
-    QList<Piece> pieces;
-    for (QTextBlock block = document->findBlock(start); block.isValid() && block.position() < end;
-         block = block.next()) {
-        for (auto it = block.begin(); !it.atEnd(); ++it) {
-            const QTextFragment fragment = it.fragment();
-            const int from = std::max(start, fragment.position());
-            const int to = std::min(end, fragment.position() + fragment.length());
-            if (from < to)
-                pieces.append({from, to, fragment.charFormat()});
-        }
-    }
+    const QList<surfacedetail::FormatPiece> pieces =
+        surfacedetail::formatPieces(document, cursor.selectionStart(), cursor.selectionEnd());
     QTextCursor work(document);
-    for (const Piece &piece : pieces) {
+    for (const surfacedetail::FormatPiece &piece : pieces) {
         QTextCharFormat updated;
         const bool link = change.linkEffect ? *change.linkEffect : piece.format.boolProperty(LinkEffect);
         updated.setProperty(LinkEffect, link);

@@ -83,9 +83,11 @@ Qt::CursorShape cursorShape(MousePointer pointer)
 /// character at most its own escape and, when its format differs from its neighbours', a run
 /// of control words and a link field around it (well under `kRtfPerCharacter`); a change may
 /// add entries to the font and colour tables (`kRtfPerChange`); a new paragraph repeats its
-/// paragraph's properties, tab stops included (`kRtfPerParagraph`). Pictures cost their bytes
-/// and long insertions are not looked at: both count as unbounded.
-quint64 rtfGrowthOfChange(const QTextDocument &document, int from, int removed, int added)
+/// paragraph's properties, tab stops included (`kRtfPerParagraph`). Removing text costs no
+/// more than the change itself (a format change reports its range as removed and added
+/// again). Pictures cost their bytes and long insertions are not looked at: both count as
+/// unbounded.
+quint64 rtfGrowthOfChange(const QTextDocument &document, int from, int added)
 {
     constexpr int kLongestLookedAt = 256;
     constexpr quint64 kRtfPerChange = 1024;
@@ -93,7 +95,7 @@ quint64 rtfGrowthOfChange(const QTextDocument &document, int from, int removed, 
     constexpr quint64 kRtfPerParagraph = 16384;
     if (added > kLongestLookedAt)
         return EditorSurface::kUnboundedRtfGrowth;
-    quint64 growth = kRtfPerChange + kRtfPerCharacter * quint64(std::max(0, added) + std::max(0, removed));
+    quint64 growth = kRtfPerChange + kRtfPerCharacter * quint64(std::max(0, added));
     for (int position = from; position < from + added; ++position) {
         const QChar c = document.characterAt(position);
         if (c == QChar::ObjectReplacementCharacter)
@@ -154,10 +156,10 @@ QTextDocument *QtEditorSurface::document() const
     return m_edit->document();
 }
 
-void QtEditorSurface::onContentsChange(int from, int removed, int added)
+void QtEditorSurface::onContentsChange(int from, int, int added)
 {
     ++m_revision;
-    m_rtfAllowance += rtfGrowthOfChange(*document(), from, removed, added);
+    m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;
     markLinesDirty();
     if (!m_decorations.isEmpty())

@@ -8,6 +8,7 @@
 #include <QTextCursor>
 #include <QVector>
 
+class QTextBlock;
 class QTextDocument;
 
 namespace kvrtb {
@@ -155,6 +156,8 @@ private:
     void resumeBatch();
     /// The display-line index: first line of each block, with the total at the end.
     const QVector<int> &lineStarts() const;
+    /// The paragraph holding \a position, laid out (with those before it) if it was not yet.
+    QTextBlock layOutBlockAt(int position) const;
     /// The y coordinate (document pixels) of a line's top.
     int lineTop(int line) const;
     /// The line at a document y coordinate.

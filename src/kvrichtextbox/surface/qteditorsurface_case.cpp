@@ -119,26 +119,12 @@ void QtEditorSurface::changeCase(int kind)
         break;
     }
 
-    struct Piece {
-        int start;
-        int end;
-        QTextCharFormat format;
-    };
-    QList<Piece> pieces;
-    for (QTextBlock block = doc->findBlock(start); block.isValid() && block.position() < end; block = block.next()) {
-        for (auto it = block.begin(); !it.atEnd(); ++it) {
-            const QTextFragment fragment = it.fragment();
-            const int from = std::max(start, fragment.position());
-            const int to = std::min(end, fragment.position() + fragment.length());
-            if (from < to)
-                pieces.append({from, to, fragment.charFormat()});
-        }
-    }
+    const QList<surfacedetail::FormatPiece> pieces = surfacedetail::formatPieces(doc, start, end);
 
     QTextCursor work(doc);
     work.beginEditBlock();
     int lastEnd = start;
-    for (const Piece &piece : pieces) {
+    for (const surfacedetail::FormatPiece &piece : pieces) {
         // Paragraph breaks between pieces start a new sentence and a new word.
         if (piece.start > lastEnd) {
             previous = CodePoint();
@@ -206,12 +192,6 @@ void QtEditorSurface::rewriteCharacters(const QList<TextRewrite> &rewrites)
         return;
     QTextDocument *doc = document();
     const int length = textLength();
-    struct Piece {
-        int from;
-        int to;
-        QString text;
-        QTextCharFormat format;
-    };
     // A selection edge inside a rewritten piece would slide to the piece's start: keep it.
     const QTextCursor before = cursor();
     const int anchor = before.anchor();
@@ -221,26 +201,15 @@ void QtEditorSurface::rewriteCharacters(const QList<TextRewrite> &rewrites)
     for (const TextRewrite &rewrite : rewrites) {
         const int start = std::clamp(rewrite.start, 0, length);
         const int end = std::clamp(rewrite.start + int(rewrite.text.size()), start, length);
-        // Fragment by fragment, so that every character keeps its own format. The pieces are
-        // found before any is written, as writing replaces the fragments; the lengths stay the
+        // Piece by piece, so that every character keeps its own format; the lengths stay the
         // same, so no position moves.
-        QList<Piece> pieces;
-        for (QTextBlock block = doc->findBlock(start); block.isValid() && block.position() < end;
-             block = block.next()) {
-            for (auto it = block.begin(); !it.atEnd(); ++it) {
-                const QTextFragment fragment = it.fragment();
-                const int from = std::max(start, fragment.position());
-                const int to = std::min(end, fragment.position() + fragment.length());
-                if (from < to)
-                    pieces.append({from, to, rewrite.text.mid(from - rewrite.start, to - from), fragment.charFormat()});
-            }
-        }
-        for (const Piece &piece : std::as_const(pieces)) {
+        for (const surfacedetail::FormatPiece &piece : surfacedetail::formatPieces(doc, start, end)) {
+            const QString text = rewrite.text.mid(piece.start - rewrite.start, piece.end - piece.start);
             QTextCursor range(doc);
-            range.setPosition(piece.from);
-            range.setPosition(piece.to, QTextCursor::KeepAnchor);
-            if (range.selectedText() != piece.text)
-                range.insertText(piece.text, piece.format);
+            range.setPosition(piece.start);
+            range.setPosition(piece.end, QTextCursor::KeepAnchor);
+            if (range.selectedText() != text)
+                range.insertText(text, piece.format);
         }
     }
     batch.endEditBlock();

@@ -44,6 +44,14 @@ const QVector<int> &QtEditorSurface::lineStarts() const
     return m_lineStarts;
 }
 
+QTextBlock QtEditorSurface::layOutBlockAt(int position) const
+{
+    const QTextBlock block = document()->findBlock(position);
+    if (block.isValid())
+        document()->documentLayout()->blockBoundingRect(block); // lays out up to this block
+    return block;
+}
+
 int QtEditorSurface::lineCount() const
 {
     return lineStarts().constLast();
@@ -66,6 +74,22 @@ int QtEditorSurface::lineFromChar(int position) const
 
 int QtEditorSurface::lineIndex(int line) const
 {
+    if (line == -1) {
+        // The caret's line needs only the caret's paragraph laid out, not the line numbers of
+        // the whole document: typing asks for it on every key.
+        flushBatch();
+        const int pos = cursor().position();
+        const QTextBlock block = layOutBlockAt(pos);
+        if (block.isValid()) {
+            const QTextLayout *layout = block.layout();
+            if (!layout || layout->lineCount() == 0)
+                return block.position();
+            QTextLine caretLine = layout->lineForTextPosition(pos - block.position());
+            if (!caretLine.isValid())
+                caretLine = layout->lineAt(layout->lineCount() - 1);
+            return block.position() + caretLine.textStart();
+        }
+    }
     const QVector<int> &starts = lineStarts();
     if (line == -1)
         line = lineFromChar(cursor().position());
@@ -83,9 +107,9 @@ int QtEditorSurface::lineIndex(int line) const
 
 int QtEditorSurface::lineLength(int position) const
 {
-    lineStarts(); // lays the document out
+    flushBatch();
     const int pos = position < 0 ? cursor().position() : clamp(position);
-    const QTextBlock block = document()->findBlock(pos);
+    const QTextBlock block = layOutBlockAt(pos);
     const QTextLayout *layout = block.layout();
     if (!block.isValid() || !layout || layout->lineCount() == 0)
         return block.isValid() ? block.length() - 1 : 0;

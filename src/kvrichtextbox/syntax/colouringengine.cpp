@@ -77,7 +77,7 @@ void ColouringEngine::handle(int role, const Match &match)
     switch (role) {
     case CommentRole:
         paint(match, comment);
-        if (m_rules.capitalise
+        if (m_rules.capitalise && match.length >= 3
             && QStringView(m_text).mid(match.start, 3).compare(QLatin1String("REM"), Qt::CaseInsensitive) == 0)
             m_text.replace(match.start, match.length,
                            KeywordPatterns::properCase(m_text.mid(match.start, match.length)));

@@ -27,8 +27,8 @@ bool cancelRequested()
 }
 
 /// The fixed-pitch font and colour every run sets over its subject, with the formatting the
-/// option removes. Step 9 of the passes clears the protected marker over the whole subject, so
-/// the net effect is "not protected" everywhere.
+/// option removes. The string pass marks strings protected for the keyword pass only, and the
+/// marker is cleared over the whole subject afterwards, so the net effect is "not protected".
 CharFormat baseFormat(int formatting)
 {
     CharFormat format;

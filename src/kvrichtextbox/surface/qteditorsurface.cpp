@@ -156,7 +156,7 @@ QTextDocument *QtEditorSurface::document() const
     return m_edit->document();
 }
 
-void QtEditorSurface::onContentsChange(int from, int, int added)
+void QtEditorSurface::onContentsChange(int from, int removed, int added)
 {
     ++m_revision;
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);

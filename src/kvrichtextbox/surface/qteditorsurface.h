@@ -165,8 +165,10 @@ private:
     void applyWrap();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
-    /// Hands the decoration spans in view to the widget, in layer order (later layers paint on top).
-    void applyDecorations();
+    /// Hands the decoration spans in view to the widget, in layer order (later layers paint on
+    /// top). The stretch in view is found again (a hit test over the layout) only when
+    /// \a findView is true or it is not known; edits move the remembered one.
+    void applyDecorations(bool findView = true);
     /// Moves the decoration spans for an edit; spans the edit touched are dropped.
     void moveDecorations(int position, int removed, int added);
     /// The look of a layer's spans in the widget's current palette.
@@ -176,6 +178,8 @@ private:
     /// Each decoration layer's spans, moved by every edit. Only the spans in view become the
     /// widget's extra selections (a long document may have thousands), again on each scroll.
     QMap<int, QList<TextSpan>> m_decorations;
+    int m_viewStart = 0;  ///< the text in view when decorations were last painted
+    int m_viewEnd = -1;   ///< -1: not known
     QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;

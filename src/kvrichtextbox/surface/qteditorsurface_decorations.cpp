@@ -65,7 +65,7 @@ void QtEditorSurface::setDecorations(DecorationLayer layer, const QList<TextSpan
         m_decorations.remove(int(layer));
     else
         m_decorations.insert(int(layer), kept);
-    applyDecorations();
+    applyDecorations(false);
 }
 
 QList<EditorSurface::TextSpan> QtEditorSurface::decorations(DecorationLayer layer) const
@@ -76,6 +76,10 @@ QList<EditorSurface::TextSpan> QtEditorSurface::decorations(DecorationLayer laye
 void QtEditorSurface::moveDecorations(int position, int removed, int added)
 {
     const int delta = added - removed;
+    if (position < m_viewStart)
+        m_viewStart = std::max(0, m_viewStart + delta);
+    if (m_viewEnd >= 0 && position <= m_viewEnd)
+        m_viewEnd = std::max(m_viewStart, m_viewEnd + delta);
     for (QList<TextSpan> &spans : m_decorations) {
         QList<TextSpan> moved;
         moved.reserve(spans.size());
@@ -91,15 +95,22 @@ void QtEditorSurface::moveDecorations(int position, int removed, int added)
     }
 }
 
-void QtEditorSurface::applyDecorations()
+void QtEditorSurface::applyDecorations(bool findView)
 {
     if (!m_edit)
         return;
-    // The paragraphs in view, from the one at the top-left corner to the one at the bottom-right.
-    const QRect view = m_edit->viewport()->rect();
-    const int first = document()->findBlock(m_edit->cursorForPosition(view.topLeft()).position()).position();
-    const QTextBlock lastBlock = document()->findBlock(m_edit->cursorForPosition(view.bottomRight()).position());
-    const int last = lastBlock.position() + lastBlock.length();
+    if (findView || m_viewEnd < 0) {
+        // The paragraphs in view, from the one at the top-left corner to the one at the
+        // bottom-right.
+        const QRect view = m_edit->viewport()->rect();
+        m_viewStart = document()->findBlock(m_edit->cursorForPosition(view.topLeft()).position()).position();
+        const QTextBlock lastBlock = document()->findBlock(m_edit->cursorForPosition(view.bottomRight()).position());
+        m_viewEnd = lastBlock.position() + lastBlock.length();
+    }
+    // A margin covers what typing since the last look has pushed into view.
+    constexpr int kMargin = 4096;
+    const int first = std::max(0, m_viewStart - kMargin);
+    const int last = m_viewEnd + kMargin;
 
     QList<QTextEdit::ExtraSelection> selections;
     for (auto it = m_decorations.cbegin(); it != m_decorations.cend(); ++it) {

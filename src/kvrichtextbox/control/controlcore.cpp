@@ -13,6 +13,7 @@
 #include "spelling/misspellings.h"
 #include "printing/printing.h"
 #include "ruler/ruler.h"
+#include "spelling/spellasyoutype.h"
 #include "spelling/spellingcorrections.h"
 #include "surface/surfacefactory.h"
 #include "syntax/syntax.h"
@@ -48,6 +49,7 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_ruler = std::make_unique<Ruler>(*this);
     m_printing = std::make_unique<Printing>(*this);
     m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
+    m_spellAsYouType = std::make_unique<SpellAsYouType>(*this);
 }
 
 ControlCore::~ControlCore() = default;

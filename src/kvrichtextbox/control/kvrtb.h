@@ -120,6 +120,8 @@ class KvRTB : public QWidget, private ControlEvents {
     Q_PROPERTY(int PageHeadingAlignment READ PageHeadingAlignment WRITE setPageHeadingAlignment DESIGNABLE false STORED false)
     Q_PROPERTY(int PageNumbersAndDate READ PageNumbersAndDate WRITE setPageNumbersAndDate DESIGNABLE false STORED false)
     Q_PROPERTY(QString PageCustomText READ PageCustomText WRITE setPageCustomText DESIGNABLE false STORED false)
+    // Misspelt words underlined as the user types; off by default, not saved with the control.
+    Q_PROPERTY(bool SpellAsYouType READ SpellAsYouType WRITE setSpellAsYouType DESIGNABLE false STORED false)
 
 public:
     /// A control with the desktop's dialogs and services.
@@ -233,6 +235,10 @@ public:
     int PageNumbersAndDate() const;
     /// The text `PrintCustom` and `PrintCustomWNum` print in the middle of the margin.
     QString PageCustomText() const;
+    /// \brief Whether misspelt words are underlined (a red wavy line) as the user types. The
+    /// underline is paint only: never in the text, its RTF, its undo or `SelUnderline`. A
+    /// right-click on an underlined word lists its ranked suggestions first in the pop-up menu.
+    bool SpellAsYouType() const;
 
 public slots:
     void setAllowImages(bool value);
@@ -309,6 +315,7 @@ public slots:
     /// A value that is not a `PageNumAndNow` is refused with a warning; the setting stays.
     void setPageNumbersAndDate(int value);
     void setPageCustomText(const QString &value);
+    void setSpellAsYouType(bool value);
 
     // --- Control shell ----------------------------------------------------------------------
     /// Repaints the control and the editor.

@@ -24,6 +24,7 @@ class Printing;
 class Ruler;
 class SpecialUndo;
 class SpellingCorrections;
+class SpellAsYouType;
 class Syntax;
 class WhatsThisHelp;
 
@@ -80,6 +81,8 @@ public:
     FindReplace &findReplace() { return *m_findReplace; }
     /// Corrections of misspelt words and taking them back.
     SpellingCorrections &spellingCorrections() { return *m_spellingCorrections; }
+    /// Misspelt words underlined while the user types (off until switched on).
+    SpellAsYouType &spellAsYouType() { return *m_spellAsYouType; }
 
     /// The font and colour dialogs and default-font mode.
     FontSelection &fontSelection() { return *m_fontSelection; }
@@ -126,6 +129,7 @@ private:
     std::unique_ptr<Ruler> m_ruler;
     std::unique_ptr<Printing> m_printing;
     std::unique_ptr<SpellingCorrections> m_spellingCorrections;
+    std::unique_ptr<SpellAsYouType> m_spellAsYouType;
     int m_progress = 0;
     int m_selectionQuiet = 0;
 };

@@ -375,6 +375,35 @@ public:
     virtual int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                             QString *error = nullptr) const = 0;
 
+    // --- Decorations -------------------------------------------------------------------------
+    /// \brief What a decoration marks; each layer is replaced on its own.
+    enum class DecorationLayer { Misspelling, FindMatch, FindCurrent };
+    /// A stretch of text, [start, start + length).
+    struct TextSpan {
+        int start = 0;
+        int length = 0;
+        int end() const { return start + length; }
+        bool operator==(const TextSpan &other) const { return start == other.start && length == other.length; }
+    };
+    /// Draws \a spans of \a layer over the text (misspellings: a wavy underline; find matches:
+    /// a tint of the palette's highlight), replacing what that layer drew before. A decoration
+    /// is paint only: it is never part of the document, its RTF, its undo or any character
+    /// format the control reports, and its colours follow the widget's palette. Spans move with
+    /// later edits (a span an edit touches is dropped) until the layer is replaced; \a spans are
+    /// sorted by start and do not overlap; spans out of range are clipped. Only the spans in view
+    /// are painted, so a layer may hold many.
+    virtual void setDecorations(DecorationLayer layer, const QList<TextSpan> &spans) = 0;
+    /// The spans of \a layer as drawn now (moved by the edits since they were set).
+    virtual QList<TextSpan> decorations(DecorationLayer layer) const = 0;
+    /// The paragraph holding \a position, without its paragraph mark.
+    virtual TextSpan paragraphAt(int position) const = 0;
+    /// The position nearest to a point in global screen coordinates.
+    virtual int charAtGlobalPoint(const QPoint &globalPoint) const = 0;
+    /// Told of every change of the text: where, how many characters went and how many came.
+    using ContentsObserver = std::function<void(int position, int removed, int added)>;
+    /// Adds an observer of text changes, called after the change; kept for the surface's life.
+    virtual void addContentsObserver(ContentsObserver observer) = 0;
+
     // --- Events -----------------------------------------------------------------------------
     /// The listener that receives the surface's events; not owned; nullptr for none.
     virtual void setListener(SurfaceListener *listener) = 0;

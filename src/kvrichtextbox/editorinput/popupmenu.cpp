@@ -5,6 +5,8 @@
 #include "editing/linesandcase.h"
 #include "editing/specialundo.h"
 #include "editorinput/inputhost.h"
+#include "spelling/spellasyoutype.h"
+#include "spelling/suggestions.h"
 #include "spelling/thesaurus.h"
 #include "spelling/wordlists.h"
 
@@ -49,6 +51,37 @@ void PopupMenu::setSynonymSource(SynonymSource source)
         m_synonymSource = [](const QString &word, QStringList &synonyms) { Thesaurus::GetSynonyms(word, synonyms); };
 }
 
+QList<MenuItem> PopupMenu::suggestionItems()
+{
+    m_suggestions.clear();
+    m_misspelt = {};
+    SpellAsYouType &spelling = m_core.spellAsYouType();
+    if (!spelling.isEnabled())
+        return {};
+    spelling.checkPending();
+    EditorSurface &surface = m_core.surface();
+    std::optional<EditorSurface::TextSpan> mark =
+        spelling.markAt(surface.charAtGlobalPoint(m_core.services().cursorPosition()));
+    if (!mark)
+        mark = spelling.markAt(surface.selStart());
+    if (!mark)
+        return {};
+    m_misspelt = *mark;
+    SPELL_CHECK_TYPE data;
+    data.IncorrectWord = surface.textRange(mark->start, mark->length);
+    data.QAccuracy = Suggestions::kDefaultAccuracy;
+    Suggestions::GetRankedSpellingCorrections(data);
+    const int count = int(MenuCommand::LastSuggestion) - int(MenuCommand::FirstSuggestion) + 1;
+    m_suggestions = data.Suggestions.mid(0, count);
+    QList<MenuItem> items;
+    for (int i = 0; i < m_suggestions.size(); ++i)
+        items.append(MenuItem{int(MenuCommand::FirstSuggestion) + i, m_suggestions.at(i), true, {}});
+    if (items.isEmpty())
+        items.append(MenuItem{0, QStringLiteral("No Spelling Suggestions"), false, {}});
+    items.append(separator());
+    return items;
+}
+
 QList<MenuItem> PopupMenu::build()
 {
     EditCommands &commands = m_core.editCommands();
@@ -70,7 +103,7 @@ QList<MenuItem> PopupMenu::build()
             WordLists::GetWordsThatStartWith(letters, m_completions, kSpellingLimit);
     }
 
-    QList<MenuItem> items;
+    QList<MenuItem> items = suggestionItems();
     if (undo.CanUndo())
         items << command(MenuCommand::Undo, "Undo");
     else
@@ -110,6 +143,14 @@ void PopupMenu::run(int id)
         const int index = id - int(MenuCommand::FirstSpelling);
         if (index < m_completions.size())
             replaceSelection(m_completions.at(index));
+        return;
+    }
+    if (id >= int(MenuCommand::FirstSuggestion) && id <= int(MenuCommand::LastSuggestion)) {
+        const int index = id - int(MenuCommand::FirstSuggestion);
+        if (index < m_suggestions.size()) {
+            m_core.surface().setSelection(m_misspelt.start, m_misspelt.length);
+            m_core.surface().replaceSelection(m_suggestions.at(index));
+        }
         return;
     }
     switch (MenuCommand(id)) {

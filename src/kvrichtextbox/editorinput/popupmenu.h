@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/editorsurface.h"
 #include "core/platformservices.h"
 
 #include <QList>
@@ -31,7 +32,9 @@ enum class MenuCommand : int {
     LastSynonym = 42,   ///< only the first six synonyms are acted upon
     FirstSpelling = 47, ///< completion i (0-based) has id 47 + i
     LastSpelling = 56,
-    ApplyVB6Syntax = 99
+    ApplyVB6Syntax = 99,
+    FirstSuggestion = 101, ///< spelling-as-you-type suggestion i (0-based) has id 101 + i
+    LastSuggestion = 110
 };
 
 /// \brief The control's right-click menu: built fresh for each showing from the state of the
@@ -42,6 +45,12 @@ enum class MenuCommand : int {
 /// listed but does nothing, and from the eleventh on a synonym's id is that of a completion
 /// item, so choosing it acts as that completion (or does nothing when there are fewer). These
 /// limits are the menu's documented behaviour and are kept.
+///
+/// With spelling as you type on and the pointer (or else the caret) on an underlined word, the
+/// menu begins with that word's ranked suggestions (at most ten, ids 101 to 110, or a greyed
+/// "No Spelling Suggestions" with id 0) and a separator; choosing one replaces the word. The
+/// documented items follow in their order with their ids unchanged. With it off (the default)
+/// the menu is exactly the documented one.
 class PopupMenu {
 public:
     /// Most completions listed under "Spell...".
@@ -70,12 +79,17 @@ public:
 private:
     /// Replaces the selection with \a word, followed by a space when the selection ended with one.
     void replaceSelection(const QString &word);
+    /// The suggestion items for the underlined word under the pointer or caret, if any; fills
+    /// `m_suggestions` and `m_misspelt`.
+    QList<MenuItem> suggestionItems();
 
     ControlCore &m_core;
     InputHost *m_host = nullptr;
     SynonymSource m_synonymSource;
     QStringList m_synonyms;
     QStringList m_completions;
+    QStringList m_suggestions;
+    EditorSurface::TextSpan m_misspelt;
     bool m_selectionEndsWithSpace = false;
     bool m_showing = false;
 };

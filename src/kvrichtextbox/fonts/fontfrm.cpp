@@ -41,6 +41,7 @@ FontFrm::FontFrm(PlatformServices &services, const FontChoice &initial, QWidget 
     m_family->setObjectName(QStringLiteral("FontCombo"));
     m_style = new QListWidget;
     m_style->setObjectName(QStringLiteral("StyleList"));
+    m_style->setAccessibleName(QStringLiteral("Font style"));
     m_style->addItems(FontChoice::styleNames());
     m_style->setMaximumHeight(m_style->sizeHintForRow(0) * 4 + 2 * m_style->frameWidth() + 4);
     m_size = new QComboBox;

@@ -4,6 +4,8 @@
 #include "printing/pagesetup.h"
 #include "ruler/ruler.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -73,6 +75,15 @@ void paintHandle(QPainter &painter, const QRect &area, bool pointsDown, const QP
     painter.drawPath(path);
 }
 
+/// The ruler as assistive technology sees it: a named pane (a plain widget would be an anonymous
+/// "client" area).
+QAccessibleInterface *rulerAccessible(const QString &className, QObject *object)
+{
+    if (className == QLatin1String("kvrtb::RulerStrip") && object && object->isWidgetType())
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Pane);
+    return nullptr;
+}
+
 } // namespace
 
 RulerStrip::RulerStrip(Ruler &ruler, EditorSurface &surface, QWidget *parent)
@@ -80,6 +91,13 @@ RulerStrip::RulerStrip(Ruler &ruler, EditorSurface &surface, QWidget *parent)
 {
     setObjectName(QStringLiteral("MasterPic"));
     setFocusPolicy(Qt::ClickFocus);
+    static const bool accessibleInstalled = [] {
+        QAccessible::installFactory(rulerAccessible);
+        return true;
+    }();
+    Q_UNUSED(accessibleInstalled)
+    setAccessibleName(tr("Ruler"));
+    setAccessibleDescription(tr("Indents and tab stops of the paragraph at the caret"));
     setMouseTracking(true);
     setAutoFillBackground(true);
     setToolTip(tr("Drag the triangles to indent the paragraph; click to add a tab stop, drag one off to remove it."));

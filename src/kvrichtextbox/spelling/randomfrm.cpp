@@ -30,6 +30,7 @@ RandomFrm::RandomFrm(std::function<RandomWordEntry()> pick, std::function<void()
 
     m_synonyms = new QListWidget;
     m_synonyms->setObjectName(QStringLiteral("SynoList"));
+    m_synonyms->setAccessibleName(QStringLiteral("Synonyms"));
 
     auto *another = new QPushButton(QStringLiteral("&Another Word"));
     another->setObjectName(QStringLiteral("NewWordButton"));

@@ -112,6 +112,7 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
 {
     QTextDocument *doc = m_edit->document();
     doc->setUndoRedoEnabled(true);
+    m_edit->setAccessibleName(tr("Rich text editor"));
     connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
     connect(doc, &QTextDocument::contentsChanged, this, [this] {
         if (m_listener)
@@ -122,7 +123,16 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
             m_lastWasUndo = false;
     });
     connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
-    connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] { markLinesDirty(); });
+    connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] {
+        markLinesDirty();
+        if (!m_decorations.isEmpty())
+            applyDecorations();
+    });
+    connect(m_edit, &SurfaceTextEdit::paletteChanged, this, [this] { applyDecorations(); });
+    connect(m_edit->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+        if (!m_decorations.isEmpty())
+            applyDecorations();
+    });
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, &QtEditorSurface::onCursorMoved);
     connect(m_edit, &QTextEdit::selectionChanged, this, &QtEditorSurface::onCursorMoved);
     connect(m_edit, &QObject::destroyed, this, [this] { m_edit = nullptr; });
@@ -146,12 +156,23 @@ QTextDocument *QtEditorSurface::document() const
     return m_edit->document();
 }
 
-void QtEditorSurface::onContentsChange(int from, int, int added)
+void QtEditorSurface::onContentsChange(int from, int removed, int added)
 {
     ++m_revision;
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;
     markLinesDirty();
+    if (!m_decorations.isEmpty())
+        moveDecorations(from, std::max(0, removed), std::max(0, added));
+    if (!m_contentsObservers.isEmpty()) {
+        // The document reports a change of its first block with counts that may run past the
+        // end (the final paragraph mark); observers get counts within the text.
+        const int length = textLength();
+        const int position = std::clamp(from, 0, length);
+        const int now = std::clamp(added, 0, length - position);
+        for (const ContentsObserver &observer : std::as_const(m_contentsObservers))
+            observer(position, std::max(0, removed), now);
+    }
 }
 
 void QtEditorSurface::onCursorMoved()

@@ -3,6 +3,8 @@
 #include "core/editorsurface.h"
 
 #include <QObject>
+#include <QMap>
+#include <QTextCharFormat>
 #include <QTextCursor>
 #include <QVector>
 
@@ -128,6 +130,12 @@ public:
 
     void setListener(SurfaceListener *listener) override;
 
+    void setDecorations(DecorationLayer layer, const QList<TextSpan> &spans) override;
+    QList<TextSpan> decorations(DecorationLayer layer) const override;
+    TextSpan paragraphAt(int position) const override;
+    int charAtGlobalPoint(const QPoint &globalPoint) const override;
+    void addContentsObserver(ContentsObserver observer) override;
+
 private:
     QTextCursor cursor() const;
     void setCursor(const QTextCursor &cursor);
@@ -157,8 +165,22 @@ private:
     void applyWrap();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
+    /// Hands the decoration spans in view to the widget, in layer order (later layers paint on
+    /// top). The stretch in view is found again (a hit test over the layout) only when
+    /// \a findView is true or it is not known; edits move the remembered one.
+    void applyDecorations(bool findView = true);
+    /// Moves the decoration spans for an edit; spans the edit touched are dropped.
+    void moveDecorations(int position, int removed, int added);
+    /// The look of a layer's spans in the widget's current palette.
+    QTextCharFormat decorationFormat(DecorationLayer layer) const;
 
     SurfaceTextEdit *m_edit = nullptr;
+    /// Each decoration layer's spans, moved by every edit. Only the spans in view become the
+    /// widget's extra selections (a long document may have thousands), again on each scroll.
+    QMap<int, QList<TextSpan>> m_decorations;
+    int m_viewStart = 0;  ///< the text in view when decorations were last painted
+    int m_viewEnd = -1;   ///< -1: not known
+    QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;
     mutable QTextCursor m_batch;  ///< holds the edit block open while frozen

@@ -222,4 +222,11 @@ void SurfaceTextEdit::insertFromMimeData(const QMimeData *source)
     QTextEdit::insertFromMimeData(source);
 }
 
+void SurfaceTextEdit::changeEvent(QEvent *event)
+{
+    QTextEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        emit paletteChanged();
+}
+
 } // namespace kvrtb

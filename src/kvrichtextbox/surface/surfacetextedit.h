@@ -21,6 +21,8 @@ public:
 signals:
     /// Emitted when the viewport's width changes (lines re-wrap).
     void viewportResized();
+    /// Emitted when the palette changes (a light or dark theme): painted decorations follow it.
+    void paletteChanged();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -31,6 +33,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     bool canInsertFromMimeData(const QMimeData *source) const override;
     QMimeData *createMimeDataFromSelection() const override;
     void insertFromMimeData(const QMimeData *source) override;

@@ -104,6 +104,7 @@ CountWordsFrm::CountWordsFrm(WordCount &area, QWidget *parent) : QDialog(parent)
     m_model = new WordCountListModel(this);
     m_list = new QListView;
     m_list->setObjectName(QStringLiteral("WCList"));
+    m_list->setAccessibleName(QStringLiteral("Words counted"));
     m_list->setModel(m_model);
     m_list->setUniformItemSizes(true);
     m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "core/editorsurface.h"
+
+#include <QList>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace kvrtb {
+
+class ControlCore;
+
+/// \brief Spelling as you type: keeps the misspelt words of the editor marked with a wavy
+/// underline while the user edits.
+///
+/// Words are found exactly as `DetectMisspellings` finds them (addresses and listed
+/// abbreviations left out, the same tokenising, the same dictionary test, candidates with an
+/// outer apostrophe never reported), paragraph by paragraph. Only the paragraphs an edit touched
+/// are checked again, in idle slices of at most `kSliceMilliseconds` run from the event loop,
+/// so a keystroke itself costs no more than moving the marks. The marks are the surface's
+/// `Misspelling` decoration: they never enter the document, its RTF, its undo or `SelUnderline`.
+///
+/// Off by default; switching it on checks the whole document in idle slices, switching it off
+/// removes every mark.
+class SpellAsYouType {
+public:
+    using Span = EditorSurface::TextSpan;
+
+    /// Longest stretch of checking done in one turn of the event loop.
+    static constexpr int kSliceMilliseconds = 4;
+
+    explicit SpellAsYouType(ControlCore &core);
+    ~SpellAsYouType();
+
+    bool isEnabled() const { return m_enabled; }
+    /// Switches checking on (the whole text is queued) or off (all marks removed).
+    void setEnabled(bool enabled);
+
+    /// The misspelt words marked now, sorted by position.
+    const QList<Span> &marks() const { return m_marks; }
+    /// The marked word holding \a position (its first character to just after its last).
+    std::optional<Span> markAt(int position) const;
+    /// True while edited paragraphs wait to be checked.
+    bool hasPending() const { return !m_dirty.isEmpty(); }
+    /// Checks every waiting paragraph now (before a decision that needs current marks).
+    void checkPending();
+
+    /// The misspelt words of \a text (one paragraph or more) as spans of \a text: the words
+    /// `DetectMisspellings` would report, where they stand.
+    static QList<Span> misspeltSpans(const QString &text);
+
+private:
+    void onContentsChanged(int position, int removed, int added);
+    /// Checks waiting paragraphs until the queue is empty or \a budgetMs has passed
+    /// (a negative budget: no limit), then shows the marks.
+    void checkSlice(int budgetMs);
+    /// Checks the paragraph at \a position; returns the position after its paragraph mark.
+    int checkParagraphAt(int position);
+    void queue(Span range);
+    void schedule();
+
+    ControlCore &m_core;
+    bool m_enabled = false;
+    QList<Span> m_marks;  ///< sorted, non-overlapping
+    QList<Span> m_dirty;  ///< stretches to check again, sorted, non-overlapping
+    QTimer m_timer;
+    /// Cleared on destruction: the surface keeps the observer for its own (longer) life.
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+};
+
+} // namespace kvrtb

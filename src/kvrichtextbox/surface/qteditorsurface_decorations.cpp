@@ -1,0 +1,150 @@
+// The Qt surface's decorations: spans painted over the text as the widget's extra selections,
+// never written into the document, so they stay out of its formats, RTF and undo.
+
+#include "surface/qteditorsurface.h"
+
+#include "surface/surfacetextedit.h"
+
+#include <QPalette>
+#include <QTextBlock>
+#include <QTextDocument>
+
+#include <algorithm>
+
+namespace kvrtb {
+
+namespace {
+
+/// True when the palette paints text light on dark.
+bool isDarkPalette(const QPalette &palette)
+{
+    return palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
+}
+
+} // namespace
+
+QTextCharFormat QtEditorSurface::decorationFormat(DecorationLayer layer) const
+{
+    const QPalette palette = m_edit->palette();
+    const bool dark = isDarkPalette(palette);
+    QTextCharFormat format;
+    switch (layer) {
+    case DecorationLayer::Misspelling:
+        // A pure red wave is hard to see on a dark base: a lighter red keeps it readable.
+        format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
+        format.setUnderlineColor(dark ? QColor(255, 110, 110) : QColor(220, 0, 0));
+        break;
+    case DecorationLayer::FindMatch: {
+        QColor tint = palette.color(QPalette::Highlight);
+        tint.setAlpha(dark ? 110 : 70);
+        format.setBackground(tint);
+        break;
+    }
+    case DecorationLayer::FindCurrent:
+        format.setBackground(palette.color(QPalette::Highlight));
+        format.setForeground(palette.color(QPalette::HighlightedText));
+        break;
+    }
+    return format;
+}
+
+void QtEditorSurface::setDecorations(DecorationLayer layer, const QList<TextSpan> &spans)
+{
+    if (!m_edit)
+        return;
+    QList<TextSpan> kept;
+    kept.reserve(spans.size());
+    const int length = textLength();
+    for (const TextSpan &span : spans) {
+        const int start = std::clamp(span.start, 0, length);
+        const int end = std::clamp(span.end(), start, length);
+        if (end > start)
+            kept.append({start, end - start});
+    }
+    if (kept.isEmpty())
+        m_decorations.remove(int(layer));
+    else
+        m_decorations.insert(int(layer), kept);
+    applyDecorations(false);
+}
+
+QList<EditorSurface::TextSpan> QtEditorSurface::decorations(DecorationLayer layer) const
+{
+    return m_decorations.value(int(layer));
+}
+
+void QtEditorSurface::moveDecorations(int position, int removed, int added)
+{
+    const int delta = added - removed;
+    if (position < m_viewStart)
+        m_viewStart = std::max(0, m_viewStart + delta);
+    if (m_viewEnd >= 0 && position <= m_viewEnd)
+        m_viewEnd = std::max(m_viewStart, m_viewEnd + delta);
+    for (QList<TextSpan> &spans : m_decorations) {
+        QList<TextSpan> moved;
+        moved.reserve(spans.size());
+        for (TextSpan span : std::as_const(spans)) {
+            if (span.end() <= position) {
+                moved.append(span);
+            } else if (span.start >= position + removed) {
+                span.start += delta;
+                moved.append(span);
+            }
+        }
+        spans.swap(moved);
+    }
+}
+
+void QtEditorSurface::applyDecorations(bool findView)
+{
+    if (!m_edit)
+        return;
+    if (findView || m_viewEnd < 0) {
+        // The paragraphs in view, from the one at the top-left corner to the one at the
+        // bottom-right.
+        const QRect view = m_edit->viewport()->rect();
+        m_viewStart = document()->findBlock(m_edit->cursorForPosition(view.topLeft()).position()).position();
+        const QTextBlock lastBlock = document()->findBlock(m_edit->cursorForPosition(view.bottomRight()).position());
+        m_viewEnd = lastBlock.position() + lastBlock.length();
+    }
+    // A margin covers what typing since the last look has pushed into view.
+    constexpr int kMargin = 4096;
+    const int first = std::max(0, m_viewStart - kMargin);
+    const int last = m_viewEnd + kMargin;
+
+    QList<QTextEdit::ExtraSelection> selections;
+    for (auto it = m_decorations.cbegin(); it != m_decorations.cend(); ++it) {
+        const QTextCharFormat format = decorationFormat(DecorationLayer(it.key()));
+        const QList<TextSpan> &spans = it.value();
+        auto from = std::lower_bound(spans.cbegin(), spans.cend(), first,
+                                     [](const TextSpan &span, int at) { return span.end() <= at; });
+        for (; from != spans.cend() && from->start < last; ++from) {
+            QTextCursor cursor(document());
+            cursor.setPosition(from->start);
+            cursor.setPosition(from->end(), QTextCursor::KeepAnchor);
+            selections.append({cursor, format});
+        }
+    }
+    m_edit->setExtraSelections(selections);
+}
+
+EditorSurface::TextSpan QtEditorSurface::paragraphAt(int position) const
+{
+    const QTextBlock block = document()->findBlock(clamp(position));
+    if (!block.isValid())
+        return {};
+    return {block.position(), block.length() - 1};
+}
+
+int QtEditorSurface::charAtGlobalPoint(const QPoint &globalPoint) const
+{
+    return charFromPoint(m_edit->viewport()->mapFromGlobal(globalPoint));
+}
+
+void QtEditorSurface::addContentsObserver(ContentsObserver observer)
+{
+    if (observer)
+        m_contentsObservers.append(std::move(observer));
+}
+
+} // namespace kvrtb

@@ -16,12 +16,22 @@ struct CliRun {
     QString err;
 };
 
+/// Where the tool runs: with the offscreen platform chosen, or as on a terminal, where neither a
+/// platform nor a runtime folder is set.
+enum class CliEnvironment { Offscreen, Terminal };
+
 /// Runs the command-line tool at \a program with \a args, feeding \a input to its standard input.
-inline CliRun runCli(const QString &program, const QStringList &args, const QByteArray &input = QByteArray())
+inline CliRun runCli(const QString &program, const QStringList &args, const QByteArray &input = QByteArray(),
+                     CliEnvironment where = CliEnvironment::Offscreen)
 {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    if (where == CliEnvironment::Offscreen) {
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    } else {
+        env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+    }
     process.setProcessEnvironment(env);
     process.start(program, args);
     CliRun result;

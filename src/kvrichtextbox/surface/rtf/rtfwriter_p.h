@@ -1,0 +1,94 @@
+#pragma once
+
+// The RTF writer's working state, shared by the files that write one kind of content each
+// (characters, paragraphs, tables, notes). Private to surface/rtf.
+
+#include "surface/formatmapping.h"
+#include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfkept.h"
+#include "surface/rtf/rtflisttable.h"
+#include "surface/rtf/rtfnotes.h"
+#include "surface/rtf/rtfpicture.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QPixmap>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <QTextList>
+#include <QTextTable>
+#include <QSet>
+#include <QUrl>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace kvrtb::rtf::detail {
+
+struct RunProps {
+    bool bold = false;
+    bool italic = false;
+    bool strike = false;
+    bool protect = false;
+    int underline = QTextCharFormat::NoUnderline;
+    int font = -1;
+    int halfPoints = 24;
+    int color = 0;
+    int back = 0;
+    int script = 0;
+    int offset = 0;
+    int lang = 0;
+};
+
+class Writer {
+public:
+    Writer(const QTextDocument &document, int start, int end)
+        : m_doc(document), m_start(start), m_end(end), m_defaults(format::defaultsOf(document))
+    {
+        fontIndex(m_defaults.fontName);
+    }
+
+    QByteArray run();
+
+private:
+    void writeFrame(const QTextFrame *frame);
+    void writeTable(const QTextTable *table);
+    bool writeWithinCell(const QTextTable *table);
+    void writeBlock(const QTextBlock &block, const char *ending);
+    void writeParagraphProperties(const QTextBlock &block);
+    void writeFragmentText(const QString &text);
+    void writeCharProps(const QTextCharFormat &format);
+    void writePicture(const QTextImageFormat &format);
+    void collectNotes();
+    bool isAttachedNote(const QTextBlock &block) const;
+    void writeNoteMark(int noteId, const QTextCharFormat &format);
+    void writeNote(int noteId);
+    void word(const char *control);
+    void word(const char *control, int value);
+    void text(char16_t c);
+    void escaped(const QString &text, QByteArray &out);
+    int fontIndex(const QString &name);
+    int colourIndex(Colour colour);
+    bool intersects(int from, int to) const { return from < m_end && to > m_start; }
+
+    const QTextDocument &m_doc;
+    const int m_start;
+    const int m_end;
+    const format::CharDefaults m_defaults;
+    QByteArray m_out;
+    bool m_needSpace = false;
+    bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
+    RunProps m_props;
+    // The paragraphs of each note whose reference is written, by note id.
+    QHash<int, std::vector<QTextBlock>> m_notes;
+    QSet<int> m_notesWritten;
+    QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
+    ListTableBuilder m_listTable;
+    bool m_inNote = false;
+    QStringList m_fonts;
+    std::vector<Colour> m_colours;
+};
+
+} // namespace kvrtb::rtf::detail

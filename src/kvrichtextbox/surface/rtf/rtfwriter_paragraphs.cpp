@@ -150,10 +150,15 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         m_props = beforeLink;
         inLink = false;
     };
+    // A block's fragments follow each other, so their positions are counted here (asking
+    // each fragment for its position walks the document's fragment tree every time).
+    int fragmentStart = blockStart;
     for (auto it = block.begin(); !it.atEnd(); ++it) {
         const QTextFragment fragment = it.fragment();
-        const int from = std::max(rangeStart, fragment.position());
-        const int to = std::min(rangeEnd, fragment.position() + fragment.length());
+        const int fragmentPosition = fragmentStart;
+        fragmentStart += fragment.length();
+        const int from = std::max(rangeStart, fragmentPosition);
+        const int to = std::min(rangeEnd, fragmentStart);
         if (from >= to)
             continue;
         const QTextCharFormat qt = fragment.charFormat();
@@ -162,7 +167,9 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         const bool isLink = !address.isEmpty() || effect;
         if (inLink && (!isLink || address != linkAddress || effect != linkEffect))
             closeLink();
-        QString value = fragment.text().mid(from - fragment.position(), to - from);
+        QString value = fragment.text();
+        if (to - from != value.size())
+            value = value.mid(from - fragmentPosition, to - from);
         if (isLink && !inLink) {
             inLink = true;
             linkAddress = address;
@@ -182,7 +189,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_needSpace = true;
         }
         if (qt.isImageFormat()) {
-            writeCharProps(qt);
+            writeCharProps(qt, fragment.charFormatIndex());
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
             continue;
@@ -197,7 +204,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "{\\rtlch";
             m_needSpace = true;
         }
-        writeCharProps(qt);
+        writeCharProps(qt, fragment.charFormatIndex());
         if (rtl) {
             m_props.bold ? word("ab") : word("ab", 0);
             m_props.italic ? word("ai") : word("ai", 0);

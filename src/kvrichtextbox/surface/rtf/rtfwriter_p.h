@@ -4,6 +4,7 @@
 // (characters, paragraphs, tables, notes). Private to surface/rtf.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/rtf/codepage.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"

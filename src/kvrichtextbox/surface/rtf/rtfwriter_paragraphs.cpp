@@ -55,11 +55,12 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         // plain \pn paragraph numbering replace the list).
         // Paragraphs without a number of their own (continuations) are no list items to others.
         const QTextList *list = block.textList();
-        const int level = std::clamp(list->format().indent() - 1, 0, 8);
+        const int level = listmarkers::levelOf(list->format());
         const QTextBlock previous = block.previous();
         const bool followsList = previous.isValid() && previous.textList();
         if (style != NumberingStyle::NoNumber) {
-            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList));
+            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList,
+                                              list->format().stringProperty(listmarkers::BulletTextProperty)));
             if (level)
                 word("ilvl", level);
         }
@@ -79,8 +80,11 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         case Numbering::UpperRoman: m_out += "\\pnucrm"; break;
         default: break;
         }
-        if (numbering == Numbering::Bullet)
-            m_out += "{\\pntxtb\\'95}";
+        if (numbering == Numbering::Bullet) {
+            m_out += "{\\pntxtb ";
+            escaped(listmarkers::markerText(block), m_out);
+            m_out += '}';
+        }
         switch (style) {
         case NumberingStyle::Period:
             if (numbering != Numbering::Bullet)
@@ -104,7 +108,7 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         if (style != NumberingStyle::NoNumber) {
             // The number as text, for readers that know neither form.
             m_out += "{\\listtext ";
-            escaped(numbering == Numbering::Bullet ? QString(QChar(0x2022)) : list->itemText(block), m_out);
+            escaped(listmarkers::markerText(block), m_out);
             m_out += "\\tab}";
         }
         m_needSpace = false;

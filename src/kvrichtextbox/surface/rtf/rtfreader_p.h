@@ -218,13 +218,13 @@ enum CellMerge : quint8 {
 
 // A border of a cell or row: its width in twips and its style (a QTextFrameFormat::BorderStyle;
 // BorderStyle_None for none), with the colour table index of its colour (0 = automatic).
-struct BorderDef {
+struct CellBorder {
     qint16 width = 0;
     qint8 style = -1; // -1: not given
     qint32 colour = 0;
 };
 
-enum BorderSide : quint8 { SideTop, SideLeft, SideBottom, SideRight, SideInsideH, SideInsideV };
+enum CellSide : quint8 { SideTop, SideLeft, SideBottom, SideRight, SideInsideH, SideInsideV };
 
 struct CellDef {
     int right = 0;
@@ -233,8 +233,8 @@ struct CellDef {
     qint32 background = 0; // \clcbpat colour index, 0 = none
     qint32 pattern = 0;    // \clcfpat colour index of the shading's foreground
     qint32 shading = -1;   // \clshdng in hundredths of a percent, -1 = none
-    qint16 padding[4] = {-1, -1, -1, -1}; // twips by BorderSide, -1 = not given
-    BorderDef borders[4];
+    qint16 padding[4] = {-1, -1, -1, -1}; // twips by CellSide, -1 = not given
+    CellBorder borders[4];
 };
 
 struct RowDef {
@@ -243,7 +243,7 @@ struct RowDef {
     int gap = -1;          // \trgaph: half the space between cells, twips
     quint8 align = 0;      // 0 left, 1 centre, 2 right
     qint16 padding[4] = {-1, -1, -1, -1};
-    BorderDef borders[6];  // by BorderSide
+    CellBorder borders[6];  // by CellSide
     std::vector<CellDef> cells;
     CellDef pending;       // properties seen before the cell's \cellx
     qint8 borderTarget = -1; // the border the \brdr words describe: 0..3 the pending cell's, 4..9 the row's
@@ -355,7 +355,7 @@ private:
     void endRow(bool nested);
     void leaveTable();
     void tableWord(Word word, std::string_view name, bool hasParam, int param);
-    BorderDef *borderTarget(RowDef &def);
+    CellBorder *borderTarget(RowDef &def);
     // Builds the table's grid from its rows' cell boundaries and gives it its widths, spans,
     // borders, shading, padding and alignment.
     void applyTableLayout(TableBuild &build);

@@ -32,9 +32,13 @@ std::vector<int> boundariesOf(const RowDef &def, int cells)
     const int count = std::max(cells, int(def.cells.size()));
     edges.reserve(size_t(count) + 1);
     edges.push_back(def.left);
+    // Cells past the definition are as wide as its last cell.
+    int extra = kDefaultCellTwips;
+    if (!def.cells.empty())
+        extra = def.cells.back().right - (def.cells.size() > 1 ? def.cells[def.cells.size() - 2].right : def.left);
     for (int i = 0; i < count; ++i) {
         const int previous = edges.back();
-        int right = i < int(def.cells.size()) ? def.cells[size_t(i)].right : previous + kDefaultCellTwips;
+        int right = i < int(def.cells.size()) ? def.cells[size_t(i)].right : previous + std::max(1, extra);
         edges.push_back(std::max(right, previous + 1));
     }
     return edges;
@@ -59,7 +63,7 @@ void moveCellContent(QTextTable *table, int row, int from, int to)
         target.insertFragment(fragment);
 }
 
-QTextFrameFormat::BorderStyle styleOf(const BorderDef &border)
+QTextFrameFormat::BorderStyle styleOf(const CellBorder &border)
 {
     return QTextFrameFormat::BorderStyle(std::clamp<int>(border.style, 0, QTextFrameFormat::BorderStyle_Outset));
 }
@@ -126,7 +130,7 @@ void Reader::applyTableLayout(TableBuild &build)
         QTextTableCellFormat qt;
         const bool sides[4] = {r == 0, i == 0, r + down >= rows, i + 1 >= cellCount};
         for (int side = 0; side < 4; ++side) {
-            BorderDef border = cell.borders[side];
+            CellBorder border = cell.borders[side];
             if (border.style < 0) {
                 const int rowSide = sides[side] ? side : (side == SideTop || side == SideBottom ? SideInsideH : SideInsideV);
                 border = def.borders[rowSide];
@@ -230,8 +234,9 @@ void Reader::applyTableLayout(TableBuild &build)
                 continue; // covered by a cell on its left or above
             if ((across > 1 || down > 1) && cell.rowSpan() == 1 && cell.columnSpan() == 1)
                 table->mergeCells(r, column, down, across);
-            table->cellAt(r, column).setFormat(cellFormat(def, def.cells.size() > size_t(i) ? def.cells[size_t(i)] : CellDef(),
-                                                          r, i, cellCount, down));
+            // Cells past the definition have the properties of its last cell.
+            const CellDef properties = def.cells.empty() ? CellDef() : def.cells[std::min(size_t(i), def.cells.size() - 1)];
+            table->cellAt(r, column).setFormat(cellFormat(def, properties, r, i, cellCount, down));
         }
     }
 }

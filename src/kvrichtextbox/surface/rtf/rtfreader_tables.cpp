@@ -204,7 +204,7 @@ void Reader::leaveTable()
     m_lastWasPar = false;
 }
 
-BorderDef *Reader::borderTarget(RowDef &def)
+CellBorder *Reader::borderTarget(RowDef &def)
 {
     if (def.borderTarget < 0)
         return nullptr;
@@ -279,22 +279,22 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
     case Word::TrBrdrH: def.borderTarget = 4 + SideInsideH; break;
     case Word::TrBrdrV: def.borderTarget = 4 + SideInsideV; break;
     case Word::BrdrW:
-        if (BorderDef *border = borderTarget(def))
+        if (CellBorder *border = borderTarget(def))
             border->width = qint16(std::clamp(param, 0, 1000));
         break;
     case Word::BrdrCf:
-        if (BorderDef *border = borderTarget(def))
+        if (CellBorder *border = borderTarget(def))
             border->colour = std::max(0, param);
         break;
     case Word::BrdrStyle:
-        if (BorderDef *border = borderTarget(def)) {
+        if (CellBorder *border = borderTarget(def)) {
             const qint8 style = borderStyleOf(name);
             if (style >= 0)
                 border->style = style;
         }
         break;
     case Word::BrdrNone:
-        if (BorderDef *border = borderTarget(def))
+        if (CellBorder *border = borderTarget(def))
             border->style = qint8(QTextFrameFormat::BorderStyle_None);
         break;
     default:

@@ -98,6 +98,8 @@ private slots:
 
     void findNextAndPrevious()
     {
+        // Without wrap-around, a search stops at the end of the document and says so.
+        click("WrapAroundCheck");
         typeFindText(QStringLiteral("cat"));
         click("WholeWordCheck");
         click("FindNextButton");

@@ -56,6 +56,22 @@ FindQuery::FindQuery(const Settings &settings) : m_settings(settings)
     m_regex.optimize();
 }
 
+QString FindQuery::searchable(const QString &text)
+{
+    if (QStringView(text).isValidUtf16())
+        return text;
+    QString fixed = text;
+    QChar *data = fixed.data();
+    const qsizetype size = fixed.size();
+    for (qsizetype i = 0; i < size; ++i) {
+        if (data[i].isHighSurrogate() && i + 1 < size && data[i + 1].isLowSurrogate())
+            ++i;
+        else if (data[i].isSurrogate())
+            data[i] = QChar::ReplacementCharacter;
+    }
+    return fixed;
+}
+
 FindQuery::Match FindQuery::fromRegex(const QRegularExpressionMatch &found) const
 {
     Match match;
@@ -93,7 +109,8 @@ FindQuery::Match FindQuery::next(QStringView text, int from, int to) const
         }
         return match;
     }
-    return fromRegex(m_regex.match(text.left(to), from));
+    return fromRegex(
+        m_regex.match(text.left(to), from, QRegularExpression::NormalMatch, QRegularExpression::DontCheckSubjectStringMatchOption));
 }
 
 FindQuery::Match FindQuery::previous(QStringView text, int from, int before) const
@@ -142,7 +159,8 @@ FindQuery::Match FindQuery::exactlyAt(QStringView text, int start, int length, i
         return match;
     }
     match = fromRegex(m_regex.match(text.left(to), start, QRegularExpression::NormalMatch,
-                                    QRegularExpression::AnchorAtOffsetMatchOption));
+                                    QRegularExpression::AnchorAtOffsetMatchOption
+                                        | QRegularExpression::DontCheckSubjectStringMatchOption));
     if (match.found() && match.length != length)
         return Match();
     return match;

@@ -25,7 +25,9 @@ namespace kvrtb {
 ///   time with `Status::TooComplex` instead of a match.
 ///
 /// Searches take a range [from, to) of the text: a match must start at or after `from` and end
-/// at or before `to` (the text is cut at `to`, so `$` also matches there).
+/// at or before `to` (the text is cut at `to`, so `$` also matches there). The text must be
+/// well-formed UTF-16, as `searchable()` makes it: the regular-expression engine is told not to
+/// check it again on every call, which would cost a pass over the whole text per match.
 class FindQuery {
 public:
     struct Settings {
@@ -50,6 +52,10 @@ public:
     };
 
     explicit FindQuery(const Settings &settings);
+
+    /// \a text with every lone surrogate (which a document can hold) replaced by U+FFFD, so
+    /// positions stay as they are; \a text itself (shared, not copied) when it has none.
+    static QString searchable(const QString &text);
 
     const Settings &settings() const { return m_settings; }
     /// False for an empty pattern or a regular expression that does not compile.

@@ -81,6 +81,18 @@ bool FindSession::setInSelection(bool on)
     return on;
 }
 
+const QString &FindSession::searchText()
+{
+    const QString &text = m_core.findReplace().documentText();
+    const quint64 revision = m_core.surface().revision();
+    if (!m_searchTextValid || revision != m_searchRevision) {
+        m_searchText = FindQuery::searchable(text);
+        m_searchRevision = revision;
+        m_searchTextValid = true;
+    }
+    return m_searchText;
+}
+
 EditorSurface::TextSpan FindSession::range()
 {
     const int length = m_core.surface().textLength();
@@ -141,7 +153,7 @@ void FindSession::startCount()
         emit countChanged();
         return;
     }
-    m_countText = m_core.findReplace().documentText();
+    m_countText = searchText();
     const EditorSurface::TextSpan searched = range();
     m_countPosition = searched.start;
     m_countEnd = searched.end();
@@ -262,7 +274,7 @@ FindSession::Result FindSession::notFound(const FindQuery::Match &match) const
 
 FindSession::Result FindSession::findNext()
 {
-    const QString &text = m_core.findReplace().documentText();
+    const QString &text = searchText();
     const EditorSurface &surface = m_core.surface();
     const EditorSurface::TextSpan searched = range();
     const int caret = surface.selStart() + surface.selLength();
@@ -282,7 +294,7 @@ FindSession::Result FindSession::findNext()
 
 FindSession::Result FindSession::findPrevious()
 {
-    const QString &text = m_core.findReplace().documentText();
+    const QString &text = searchText();
     const EditorSurface::TextSpan searched = range();
     const int caret = m_core.surface().selStart();
     const int before = caret >= searched.start && caret <= searched.end() ? caret : searched.end();
@@ -306,7 +318,7 @@ FindSession::Result FindSession::replaceNext(const QString &replacement, std::op
     bool done = false;
     if (start >= searched.start) {
         const FindQuery::Match match =
-            m_query->exactlyAt(m_core.findReplace().documentText(), start, surface.selLength(), searched.end());
+            m_query->exactlyAt(searchText(), start, surface.selLength(), searched.end());
         if (match.found()) {
             const QString newText = m_query->replacementFor(match, replacement);
             CharFormat colour;
@@ -335,7 +347,8 @@ int FindSession::replaceAll(const QString &replacement, std::optional<Colour> fo
     }
     bool tooComplex = false;
     const int count = findReplace.replaceEach(
-        [&](const QString &text) {
+        [&](const QString &document) {
+            const QString text = FindQuery::searchable(document);
             QList<EditorSurface::TextReplacement> batch;
             const EditorSurface::TextSpan searched = range();
             int position = searched.start;

@@ -107,6 +107,8 @@ signals:
 private:
     enum class CountState { Idle, Running, Done, TooComplex };
 
+    /// The document's plain text, made searchable (`FindQuery::searchable`) once per change.
+    const QString &searchText();
     void scheduleRecount();
     void startCount();
     void countSlice();
@@ -125,6 +127,9 @@ private:
     EditorSurface::TextSpan m_scope;
 
     CountState m_countState = CountState::Idle;
+    QString m_searchText;
+    quint64 m_searchRevision = 0;
+    bool m_searchTextValid = false;
     QString m_countText;
     int m_countPosition = 0;
     int m_countEnd = 0;

@@ -4,11 +4,13 @@
 // (characters, paragraphs, tables, notes). Private to surface/rtf.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/rtf/codepage.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
+#include "surface/rtf/rtftables.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -23,6 +25,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace kvrtb::rtf::detail {
@@ -55,11 +58,20 @@ public:
 private:
     void writeFrame(const QTextFrame *frame);
     void writeTable(const QTextTable *table);
+    void writeRowDefinition(const QTextTable *table, int row, const std::vector<int> &rights, int left);
+    void writeCellBorders(const QTextTable *table, const QTextTableCellFormat &cell);
+    void writeCell(const QTextTableCell &cell);
+    // True for the empty paragraph Qt keeps before a table at the start of the document or of a
+    // cell: the user did not write it, and other readers would show it.
+    static bool isPlaceholderBeforeTable(const QTextBlock &block, bool tableFollows);
     bool writeWithinCell(const QTextTable *table);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
     void writeFragmentText(const QString &text);
-    void writeCharProps(const QTextCharFormat &format);
+    /// Writes the differences from the run before; \a formatIndex (the document's index of
+    /// \a format, or -1) lets the properties of a format be worked out once.
+    void writeCharProps(const QTextCharFormat &format, int formatIndex = -1);
+    RunProps runPropsOf(const QTextCharFormat &format);
     void writePicture(const QTextImageFormat &format);
     void collectNotes();
     bool isAttachedNote(const QTextBlock &block) const;
@@ -80,7 +92,9 @@ private:
     QByteArray m_out;
     bool m_needSpace = false;
     bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
+    int m_tableDepth = 0;       // the depth of the table whose cells are being written
     RunProps m_props;
+    std::vector<std::optional<RunProps>> m_runPropsByFormat; // by the document's format index
     // The paragraphs of each note whose reference is written, by note id.
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;

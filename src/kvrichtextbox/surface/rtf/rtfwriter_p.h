@@ -5,6 +5,7 @@
 
 #include "surface/formatmapping.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfformats.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
@@ -40,6 +41,10 @@ struct RunProps {
     int script = 0;
     int offset = 0;
     int lang = 0;
+    int caps = 0; // QFont::Capitalization: all capitals or small capitals
+    bool outline = false;
+    bool shadow = false;
+    int expand = 0; // letter spacing, twips
 };
 
 class Writer {
@@ -58,6 +63,10 @@ private:
     bool writeWithinCell(const QTextTable *table);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
+    void writeTabsBordersAndShading(const QTextBlockFormat &format, const QList<int> &tabStops);
+    void writeCharEffects(const RunProps &next);
+    void writeBookmarks(const char *kind, const QStringList &names);
+    QByteArray pageSetup() const;
     void writeFragmentText(const QString &text);
     void writeCharProps(const QTextCharFormat &format);
     void writePicture(const QTextImageFormat &format);

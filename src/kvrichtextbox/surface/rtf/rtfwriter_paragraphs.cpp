@@ -44,8 +44,7 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         word("kvlinerule", int(LineSpacingRule::AtLeast));
     if (*p.lineSpacingRule == LineSpacingRule::Exactly && amount == 0)
         word("kvlinerule", int(LineSpacingRule::Exactly));
-    for (int tab : *p.tabStops)
-        word("tx", tab);
+    writeTabsBordersAndShading(block.blockFormat(), *p.tabStops);
     if (*p.numbering != Numbering::None) {
         const Numbering numbering = *p.numbering;
         const NumberingStyle style = *p.numberingStyle;
@@ -137,14 +136,30 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     if (block.length() == 1)
         writeCharProps(block.charFormat());
 
-    // Consecutive fragments of one link form one HYPERLINK field.
+    // Consecutive fragments of one link form one HYPERLINK field; those of another field (with
+    // its instruction kept) form one field, inside the link or outside any.
     bool inLink = false;
     QString linkAddress;
     bool linkEffect = false;
     RunProps beforeLink;
+    bool inField = false;
+    bool fieldInLink = false;
+    QString fieldInstruction;
+    int fieldId = 0;
+    RunProps beforeField;
+    auto closeField = [&] {
+        if (!inField)
+            return;
+        m_out += "}}";
+        m_needSpace = false;
+        m_props = beforeField;
+        inField = false;
+    };
     auto closeLink = [&] {
         if (!inLink)
             return;
+        if (fieldInLink)
+            closeField();
         m_out += "}}";
         m_needSpace = false;
         m_props = beforeLink;
@@ -160,10 +175,17 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         const QString address = qt.anchorHref();
         const bool effect = qt.boolProperty(format::LinkEffect);
         const bool isLink = !address.isEmpty() || effect;
+        const QString instruction = qt.stringProperty(FieldInstruction);
+        const int id = qt.intProperty(FieldId);
+        if (inField && (instruction != fieldInstruction || id != fieldId))
+            closeField();
         if (inLink && (!isLink || address != linkAddress || effect != linkEffect))
             closeLink();
+        if (from == fragment.position())
+            writeBookmarks("bkmkstart", qt.anchorNames());
         QString value = fragment.text().mid(from - fragment.position(), to - from);
         if (isLink && !inLink) {
+            closeField();
             inLink = true;
             linkAddress = address;
             linkEffect = effect;
@@ -181,10 +203,26 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "\"}{\\fldrslt";
             m_needSpace = true;
         }
+        if (!instruction.isEmpty() && !inField) {
+            inField = true;
+            fieldInLink = inLink;
+            fieldInstruction = instruction;
+            fieldId = id;
+            beforeField = m_props;
+            m_out += "{\\field{\\*\\fldinst ";
+            escaped(instruction, m_out);
+            m_out += "}{\\fldrslt";
+            m_needSpace = true;
+        }
+        const bool endsFragment = to == fragment.position() + fragment.length();
         if (qt.isImageFormat()) {
             writeCharProps(qt);
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
+            if (endsFragment) {
+                writeBookmarks("bkmkstart", qt.property(BookmarkStartsAfter).toStringList());
+                writeBookmarks("bkmkend", qt.property(BookmarkEnds).toStringList());
+            }
             continue;
         }
         // Right-to-left text: in a group of its own that gives the same properties as the
@@ -214,9 +252,14 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_needSpace = false;
             m_props = outside;
         }
+        if (endsFragment) {
+            writeBookmarks("bkmkstart", qt.property(BookmarkStartsAfter).toStringList());
+            writeBookmarks("bkmkend", qt.property(BookmarkEnds).toStringList());
+        }
         if (noteId && !m_inNote && m_notes.contains(noteId) && !m_notesWritten.contains(noteId))
             writeNote(noteId);
     }
+    closeField();
     closeLink();
     if (blockEnd >= rangeStart && blockEnd < rangeEnd && ending)
         word(ending);

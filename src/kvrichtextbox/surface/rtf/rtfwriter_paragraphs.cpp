@@ -196,8 +196,12 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "{\\field";
             if (flags)
                 m_out += "{\\*\\kvlink" + QByteArray::number(flags) + '}';
-            m_out += "{\\*\\fldinst HYPERLINK \"";
             QString target = address.isEmpty() ? value : address;
+            // A place in the document (a bookmark) is named with the \l switch.
+            const bool local = target.size() > 1 && target.startsWith(QLatin1Char('#'));
+            if (local)
+                target.remove(0, 1);
+            m_out += local ? "{\\*\\fldinst HYPERLINK \\'5cl \"" : "{\\*\\fldinst HYPERLINK \"";
             target.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\""));
             escaped(target, m_out);
             m_out += "\"}{\\fldrslt";

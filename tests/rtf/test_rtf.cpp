@@ -143,10 +143,12 @@ QString textWithoutNotes(const QTextDocument &doc)
 // list nesting, tables, footnotes and endnotes, page breaks and pictures.
 struct StructureCounts {
     int items = 0, numbered = 0, depth = 0, tables = 0, notes = 0, pageBreaks = 0, pictures = 0;
+    int bookmarks = 0, fields = 0, bordered = 0;
     QString describe() const
     {
         return QStringLiteral("items %1 numbered %2 depth %3 tables %4 notes %5 breaks %6 pictures %7")
-            .arg(items).arg(numbered).arg(depth).arg(tables).arg(notes).arg(pageBreaks).arg(pictures);
+                   .arg(items).arg(numbered).arg(depth).arg(tables).arg(notes).arg(pageBreaks).arg(pictures)
+               + QStringLiteral(" bookmarks %1 fields %2 bordered paragraphs %3").arg(bookmarks).arg(fields).arg(bordered);
     }
 };
 
@@ -180,6 +182,12 @@ StructureCounts countsOfReferenceHtml(const QString &path)
     }
     counts.notes = int(html.count(QLatin1String("class=\"sdfootnoteanc\"")) + html.count(QLatin1String("class=\"sdendnoteanc\"")));
     counts.pageBreaks = int(html.count(QLatin1String("page-break-before: always")));
+    // Bookmarks (not the anchors of notes), fields that are not links, paragraphs with a border.
+    static const QRegularExpression bookmark(QStringLiteral(R"(<a name="(?!sd(foot|end)note))"));
+    static const QRegularExpression bordered(QStringLiteral(R"(<p\b[^>]*style="[^"]*border(-\w+)?: (?!none))"));
+    counts.bookmarks = int(html.count(bookmark));
+    counts.fields = int(html.count(QLatin1String("<sdfield")));
+    counts.bordered = int(html.count(bordered));
     return counts;
 }
 

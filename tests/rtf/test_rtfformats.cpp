@@ -8,6 +8,11 @@
 #include "surface/rtf/rtfwriter.h"
 #include "testregistry.h"
 
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -68,6 +73,7 @@ private slots:
     void bookmarksKeepTheirPlace();
     void pageSetupIsKept();
     void badFormatWordsAreHarmless();
+    void libreOfficeReadsWhatWeWrite();
 };
 
 void TestRtfFormats::tabKindsBordersAndShading()
@@ -290,6 +296,69 @@ void TestRtfFormats::badFormatWordsAreHarmless()
     QCOMPARE(doc.toPlainText(), QStringLiteral("text kept\nlast"));
     QCOMPARE(format::readPara(doc.begin()).tabStops.value().size(), 64);
     QVERIFY(!written.startsWith("unstable") && !written.startsWith("not read"));
+}
+
+void TestRtfFormats::libreOfficeReadsWhatWeWrite()
+{
+    // An independent reader finds in our RTF what it finds in the original: LibreOffice's flat
+    // document format names each construct.
+    const QByteArray source = rtfOf(
+        "\\paperw16838\\paperh11906\\margl2000\\margr1000\\margt800\\margb700\\landscape"
+        "{\\stylesheet{\\s0 Normal;}{\\s1\\b\\fs32 Heading;}}"
+        "\\pard\\s1\\box\\brdrs\\brdrw10\\brsp40\\cbpat2 {\\*\\bkmkstart part}Boxed{\\*\\bkmkend part} heading\\par"
+        "\\pard\\tqr\\tldot\\tx6000\\tqc\\tx3000\\tqdec\\tx4500 left\\tab centre\\tab 1.5\\tab right\\par"
+        "\\pard {\\caps capitals} {\\scaps small} {\\outl outline} {\\shad shadow} {\\expndtw40 spaced}\\par"
+        "\\pard Page {\\field{\\*\\fldinst PAGE}{\\fldrslt 1}} of {\\field{\\*\\fldinst NUMPAGES}{\\fldrslt 1}}, "
+        "{\\field{\\*\\fldinst HYPERLINK \\\\l \"part\"}{\\fldrslt back}}\\par");
+    QTextDocument doc;
+    QVERIFY(rtf::readRtf(doc, source).ok);
+    QTemporaryDir work;
+    QVERIFY(work.isValid());
+    const QString original = work.filePath(QStringLiteral("original.rtf"));
+    const QString ours = work.filePath(QStringLiteral("ours.rtf"));
+    for (const auto &[path, bytes] : {std::pair{original, source}, std::pair{ours, rtf::writeRtf(doc)}}) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    const QString soffice = QStandardPaths::findExecutable(QStringLiteral("soffice"));
+    if (soffice.isEmpty())
+        QSKIP("LibreOffice (soffice) is not installed: no independent reader to compare with");
+    QProcess process;
+    process.start(soffice, {QStringLiteral("-env:UserInstallation=file://") + work.filePath(QStringLiteral("profile")),
+                            QStringLiteral("--headless"), QStringLiteral("--convert-to"), QStringLiteral("fodt"),
+                            QStringLiteral("--outdir"), work.path(), original, ours});
+    QVERIFY(process.waitForFinished(240000));
+    const auto read = [&work](const QString &name) {
+        QFile file(work.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    };
+    const QString theirs = read(QStringLiteral("original.fodt"));
+    const QString mine = read(QStringLiteral("ours.fodt"));
+    QVERIFY(!theirs.isEmpty() && !mine.isEmpty());
+    const QStringList constructs{
+        QStringLiteral(R"(fo:page-width="[^"]+")"), QStringLiteral(R"(fo:margin-top="[^"]+" fo:margin-bottom="[^"]+" fo:margin-left="[^"]+" fo:margin-right="[^"]+")"),
+        QStringLiteral(R"(style:print-orientation="landscape")"),
+        QStringLiteral(R"(style:type="right"[^>]*style:leader-style="dotted")"), QStringLiteral(R"(style:type="center")"),
+        QStringLiteral(R"(style:type="char")"), QStringLiteral(R"(fo:border="[^n"][^"]*")"),
+        QStringLiteral(R"(fo:background-color="#0000ff")"), QStringLiteral(R"(fo:text-transform="uppercase")"),
+        QStringLiteral(R"(fo:font-variant="small-caps")"), QStringLiteral(R"(style:text-outline="true")"),
+        QStringLiteral(R"(fo:text-shadow="[^n"][^"]*")"), QStringLiteral(R"(fo:letter-spacing="[^n"][^"]*")"),
+        QStringLiteral("<text:page-number"), QStringLiteral("<text:page-count"),
+        QStringLiteral(R"(<text:bookmark-start text:name="part")"), QStringLiteral(R"(xlink:href="#part")"),
+    };
+    for (const QString &construct : constructs) {
+        const QRegularExpression pattern(construct);
+        const auto found = [&pattern](const QString &text) {
+            QStringList matches;
+            for (auto it = pattern.globalMatch(text); it.hasNext();)
+                matches << it.next().captured();
+            return matches;
+        };
+        QVERIFY2(!found(theirs).isEmpty(), qPrintable(construct + QStringLiteral(" is not in the original")));
+        QVERIFY2(!found(mine).isEmpty(), qPrintable(construct + QStringLiteral(" is lost in ours")));
+        QCOMPARE(found(mine).first(), found(theirs).first());
+    }
 }
 
 KVRTB_REGISTER_TEST(TestRtfFormats)

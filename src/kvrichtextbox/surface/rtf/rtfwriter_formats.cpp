@@ -97,6 +97,18 @@ void Writer::writeBookmarks(const char *kind, const QStringList &names)
     }
 }
 
+const FormatMarks &Writer::marksOf(const QTextCharFormat &qt, int formatIndex)
+{
+    if (size_t(formatIndex) >= m_marksByFormat.size())
+        m_marksByFormat.resize(size_t(formatIndex) + 1);
+    std::optional<FormatMarks> &marks = m_marksByFormat[size_t(formatIndex)];
+    if (!marks) {
+        marks = FormatMarks{qt.stringProperty(FieldInstruction), qt.intProperty(FieldId), qt.anchorNames(),
+                            qt.property(BookmarkStartsAfter).toStringList(), qt.property(BookmarkEnds).toStringList()};
+    }
+    return *marks;
+}
+
 QByteArray Writer::pageSetup() const
 {
     const QList<int> setup = m_doc.rootFrame()->frameFormat().property(PageSetupProperty).value<QList<int>>();

@@ -4,6 +4,7 @@
 // (characters, paragraphs, tables, notes). Private to surface/rtf.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/rtf/codepage.h"
 #include "surface/rtf/rtfformats.h"
 #include "surface/rtf/rtfkept.h"
@@ -24,6 +25,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace kvrtb::rtf::detail {
@@ -47,6 +49,15 @@ struct RunProps {
     int expand = 0; // letter spacing, twips
 };
 
+// The field and bookmarks a character format carries (rtfformats.h).
+struct FormatMarks {
+    QString fieldInstruction;
+    int fieldId = 0;
+    QStringList startsBefore; // bookmarks that start at the run's first character
+    QStringList startsAfter;  // bookmarks that start after its last
+    QStringList ends;         // bookmarks that end after its last
+};
+
 class Writer {
 public:
     Writer(const QTextDocument &document, int start, int end)
@@ -67,8 +78,13 @@ private:
     void writeCharEffects(const RunProps &next);
     void writeBookmarks(const char *kind, const QStringList &names);
     QByteArray pageSetup() const;
+    /// The marks of \a format, worked out once per \a formatIndex (the document's index of it).
+    const FormatMarks &marksOf(const QTextCharFormat &format, int formatIndex);
     void writeFragmentText(const QString &text);
-    void writeCharProps(const QTextCharFormat &format);
+    /// Writes the differences from the run before; \a formatIndex (the document's index of
+    /// \a format, or -1) lets the properties of a format be worked out once.
+    void writeCharProps(const QTextCharFormat &format, int formatIndex = -1);
+    RunProps runPropsOf(const QTextCharFormat &format);
     void writePicture(const QTextImageFormat &format);
     void collectNotes();
     bool isAttachedNote(const QTextBlock &block) const;
@@ -90,6 +106,8 @@ private:
     bool m_needSpace = false;
     bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
     RunProps m_props;
+    std::vector<std::optional<RunProps>> m_runPropsByFormat; // by the document's format index
+    std::vector<std::optional<FormatMarks>> m_marksByFormat;
     // The paragraphs of each note whose reference is written, by note id.
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;

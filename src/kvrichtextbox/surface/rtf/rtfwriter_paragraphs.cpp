@@ -54,11 +54,12 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         // plain \pn paragraph numbering replace the list).
         // Paragraphs without a number of their own (continuations) are no list items to others.
         const QTextList *list = block.textList();
-        const int level = std::clamp(list->format().indent() - 1, 0, 8);
+        const int level = listmarkers::levelOf(list->format());
         const QTextBlock previous = block.previous();
         const bool followsList = previous.isValid() && previous.textList();
         if (style != NumberingStyle::NoNumber) {
-            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList));
+            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList,
+                                              list->format().stringProperty(listmarkers::BulletTextProperty)));
             if (level)
                 word("ilvl", level);
         }
@@ -78,8 +79,11 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         case Numbering::UpperRoman: m_out += "\\pnucrm"; break;
         default: break;
         }
-        if (numbering == Numbering::Bullet)
-            m_out += "{\\pntxtb\\'95}";
+        if (numbering == Numbering::Bullet) {
+            m_out += "{\\pntxtb ";
+            escaped(listmarkers::markerText(block), m_out);
+            m_out += '}';
+        }
         switch (style) {
         case NumberingStyle::Period:
             if (numbering != Numbering::Bullet)
@@ -103,7 +107,7 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         if (style != NumberingStyle::NoNumber) {
             // The number as text, for readers that know neither form.
             m_out += "{\\listtext ";
-            escaped(numbering == Numbering::Bullet ? QString(QChar(0x2022)) : list->itemText(block), m_out);
+            escaped(listmarkers::markerText(block), m_out);
             m_out += "\\tab}";
         }
         m_needSpace = false;
@@ -165,25 +169,33 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         m_props = beforeLink;
         inLink = false;
     };
+    // A block's fragments follow each other, so their positions are counted here (asking
+    // each fragment for its position walks the document's fragment tree every time).
+    int fragmentStart = blockStart;
     for (auto it = block.begin(); !it.atEnd(); ++it) {
         const QTextFragment fragment = it.fragment();
-        const int from = std::max(rangeStart, fragment.position());
-        const int to = std::min(rangeEnd, fragment.position() + fragment.length());
+        const int fragmentPosition = fragmentStart;
+        fragmentStart += fragment.length();
+        const int from = std::max(rangeStart, fragmentPosition);
+        const int to = std::min(rangeEnd, fragmentStart);
         if (from >= to)
             continue;
         const QTextCharFormat qt = fragment.charFormat();
         const QString address = qt.anchorHref();
         const bool effect = qt.boolProperty(format::LinkEffect);
         const bool isLink = !address.isEmpty() || effect;
-        const QString instruction = qt.stringProperty(FieldInstruction);
-        const int id = qt.intProperty(FieldId);
+        const FormatMarks &marks = marksOf(qt, fragment.charFormatIndex());
+        const QString &instruction = marks.fieldInstruction;
+        const int id = marks.fieldId;
         if (inField && (instruction != fieldInstruction || id != fieldId))
             closeField();
         if (inLink && (!isLink || address != linkAddress || effect != linkEffect))
             closeLink();
-        if (from == fragment.position())
-            writeBookmarks("bkmkstart", qt.anchorNames());
-        QString value = fragment.text().mid(from - fragment.position(), to - from);
+        if (from == fragmentPosition)
+            writeBookmarks("bkmkstart", marks.startsBefore);
+        QString value = fragment.text();
+        if (to - from != value.size())
+            value = value.mid(from - fragmentPosition, to - from);
         if (isLink && !inLink) {
             closeField();
             inLink = true;
@@ -218,14 +230,14 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "}{\\fldrslt";
             m_needSpace = true;
         }
-        const bool endsFragment = to == fragment.position() + fragment.length();
+        const bool endsFragment = to == fragmentStart;
         if (qt.isImageFormat()) {
-            writeCharProps(qt);
+            writeCharProps(qt, fragment.charFormatIndex());
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
             if (endsFragment) {
-                writeBookmarks("bkmkstart", qt.property(BookmarkStartsAfter).toStringList());
-                writeBookmarks("bkmkend", qt.property(BookmarkEnds).toStringList());
+                writeBookmarks("bkmkstart", marks.startsAfter);
+                writeBookmarks("bkmkend", marks.ends);
             }
             continue;
         }
@@ -239,7 +251,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "{\\rtlch";
             m_needSpace = true;
         }
-        writeCharProps(qt);
+        writeCharProps(qt, fragment.charFormatIndex());
         if (rtl) {
             m_props.bold ? word("ab") : word("ab", 0);
             m_props.italic ? word("ai") : word("ai", 0);
@@ -257,8 +269,8 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_props = outside;
         }
         if (endsFragment) {
-            writeBookmarks("bkmkstart", qt.property(BookmarkStartsAfter).toStringList());
-            writeBookmarks("bkmkend", qt.property(BookmarkEnds).toStringList());
+            writeBookmarks("bkmkstart", marks.startsAfter);
+            writeBookmarks("bkmkend", marks.ends);
         }
         if (noteId && !m_inNote && m_notes.contains(noteId) && !m_notesWritten.contains(noteId))
             writeNote(noteId);

@@ -7,6 +7,7 @@
 #include <QMargins>
 #include <QPoint>
 #include <QRect>
+#include <QSize>
 #include <QString>
 
 #include <functional>
@@ -123,6 +124,16 @@ struct PageRenderRequest {
     /// Called for each page after its text is drawn, with the painter in paper coordinates:
     /// draws headings, page numbers and the like in the margins. May be empty.
     std::function<void(QPainter &painter, const PageFrame &frame)> decorate;
+};
+
+/// \brief The page a document brought with it (an RTF file's page setup), in twips. A size or
+/// margin the document did not give is 0.
+struct DocumentPage {
+    QSize paperTwips;      ///< width and height as the paper is used (wider than high in landscape)
+    QMargins marginsTwips; ///< left, top, right, bottom
+    bool landscape = false;
+    bool hasPaper() const { return paperTwips.width() > 0 && paperTwips.height() > 0; }
+    bool hasMargins() const { return !marginsTwips.isNull(); }
 };
 
 /// Kinds of document file the surface reads and writes itself.
@@ -415,6 +426,9 @@ public:
     /// output file that cannot be written, margins that leave no room for text).
     virtual int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                             QString *error = nullptr) const = 0;
+    /// The paper and margins the document came with (loaded RTF's page setup, written back when
+    /// it is saved as RTF), or nothing when it has none: printing uses them when given.
+    virtual std::optional<DocumentPage> documentPage() const = 0;
 
     // --- Decorations -------------------------------------------------------------------------
     /// \brief What a decoration marks; each layer is replaced on its own.

@@ -131,6 +131,7 @@ public:
     quintptr windowHandle() const override;
     QWidget *widget() const override;
     void print(QPagedPaintDevice *device) const override;
+    std::optional<DocumentPage> documentPage() const override;
     int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                     QString *error = nullptr) const override;
 

@@ -5,6 +5,7 @@
 #include "surface/rtf/rtfpicture.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QUrl>
@@ -70,6 +71,26 @@ std::optional<QString> hyperlinkAddress(const QString &instruction)
     if (!fragment.isEmpty())
         address += QLatin1Char('#') + fragment;
     return address;
+}
+
+// Fields whose result is a short run of text (a page number, a date, a document property, a
+// reference) keep their instruction with that text; fields whose result is built of
+// paragraphs or other fields (a table of contents, an index) are shown by their result alone.
+bool keepsInstruction(const QString &instruction)
+{
+    static const QSet<QString> kinds{
+        QStringLiteral("PAGE"), QStringLiteral("NUMPAGES"), QStringLiteral("SECTIONPAGES"), QStringLiteral("SECTION"),
+        QStringLiteral("DATE"), QStringLiteral("TIME"), QStringLiteral("CREATEDATE"), QStringLiteral("SAVEDATE"),
+        QStringLiteral("PRINTDATE"), QStringLiteral("EDITTIME"), QStringLiteral("AUTHOR"), QStringLiteral("LASTSAVEDBY"),
+        QStringLiteral("TITLE"), QStringLiteral("SUBJECT"), QStringLiteral("KEYWORDS"), QStringLiteral("COMMENTS"),
+        QStringLiteral("FILENAME"), QStringLiteral("FILESIZE"), QStringLiteral("NUMWORDS"), QStringLiteral("NUMCHARS"),
+        QStringLiteral("REVNUM"), QStringLiteral("TEMPLATE"), QStringLiteral("USERNAME"), QStringLiteral("USERINITIALS"),
+        QStringLiteral("DOCPROPERTY"), QStringLiteral("DOCVARIABLE"), QStringLiteral("INFO"), QStringLiteral("REF"),
+        QStringLiteral("PAGEREF"), QStringLiteral("NOTEREF"), QStringLiteral("STYLEREF"), QStringLiteral("SEQ"),
+        QStringLiteral("MERGEFIELD"), QStringLiteral("QUOTE"), QStringLiteral("LISTNUM"),
+    };
+    const QString kind = instruction.trimmed().section(QLatin1Char(' '), 0, 0).toUpper();
+    return kinds.contains(kind);
 }
 
 } // namespace
@@ -178,6 +199,11 @@ void Reader::finishDestination(const GroupState &closing)
         m_overrideLs = 0;
         m_overrideListId = 0;
         break;
+    case Dest::StyleSheet:
+    case Dest::Style:
+    case Dest::Bookmark:
+        finishFormatDestination(closing);
+        break;
     default:
         break;
     }
@@ -218,6 +244,7 @@ void Reader::addToDestination(const QString &s)
     case Dest::AtnId:
     case Dest::AtnAuthor:
     case Dest::ShapeName:
+    case Dest::Bookmark:
         m_destText += s;
         break;
     default:
@@ -295,6 +322,8 @@ void Reader::handleDestinationWord(Word word)
         // The result of another kind of field keeps the enclosing link, if any.
         if (link >= 0)
             state.ch.link = link;
+        else if (!m_fieldOfGroup.empty() && keepsInstruction(m_fields[size_t(m_fieldOfGroup.back())].instruction))
+            state.ch.field = m_fieldOfGroup.back();
         break;
     }
     case Word::Pict:
@@ -366,6 +395,11 @@ void Reader::handleDestinationWord(Word word)
         break;
     case Word::SkipDest:
         skipAndKeep(state);
+        break;
+    case Word::StyleSheet:
+    case Word::BkmkStart:
+    case Word::BkmkEnd:
+        openFormatDestination(word);
         break;
     case Word::ShpRslt:
     case Word::NonShpPict:

@@ -24,6 +24,15 @@ void Reader::openGroup()
     next.start = m_p - 1;
     if (next.dest == Dest::Upr)
         next.dest = Dest::Ignore;
+    if (next.dest == Dest::StyleSheet) {
+        // A style's definition: its formats start from the defaults.
+        next.dest = Dest::Style;
+        next.destRoot = true;
+        next.ch = CharState();
+        next.para = ParaState();
+        m_styleNumber = 0;
+        m_styleIsCharacter = false;
+    }
     m_stack.push_back(std::move(next));
 }
 
@@ -54,7 +63,8 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::KvLink || word == Word::NestTableProps
                                       || word == Word::Footnote || word == Word::Annotation
                                       || word == Word::AtnId || word == Word::AtnAuthor
-                                      || word == Word::ShpInst || word == Word::ShpTxt;
+                                      || word == Word::ShpInst || word == Word::ShpTxt
+                                      || word == Word::BkmkStart || word == Word::BkmkEnd || word == Word::Cs;
         if (!knownDestination) {
             skipAndKeep(state);
             return;
@@ -209,9 +219,12 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::KvBulletIndent: para.bulletIndent = param; break;
     case Word::Tx:
         if (para.tabs.size() < 64 && param >= 0) {
-            para.tabs.append(param);
-            std::sort(para.tabs.begin(), para.tabs.end());
+            // In order of position, each with the kind and leader words given before it.
+            const qsizetype at = std::upper_bound(para.tabs.begin(), para.tabs.end(), param) - para.tabs.begin();
+            para.tabs.insert(at, param);
+            para.tabKinds.insert(at, para.nextTabKind);
         }
+        para.nextTabKind = 0;
         break;
     case Word::Intbl: para.intbl = true; break;
     case Word::Ls:
@@ -255,6 +268,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Column:
         if (dest == Dest::Text)
             pageBreak(word != Word::Column);
+        m_pastFirstSection = m_pastFirstSection || word == Word::Sect;
         break;
     case Word::SbkNone:
         // A section that continues on the same page (or column): its \sect broke no page.
@@ -338,6 +352,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::PicScaleX: if (dest == Dest::Pict) m_picture.scaleX = param; break;
     case Word::PicScaleY: if (dest == Dest::Pict) m_picture.scaleY = param; break;
     default:
+        formatWord(word, name, hasParam, param);
         break;
     }
 }

@@ -111,6 +111,7 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    applyParagraphFormats(qt, para);
     if (para.rtl)
         qt.setLayoutDirection(Qt::RightToLeft);
     if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty())
@@ -221,6 +222,7 @@ void Reader::pageBreak(bool page)
 void Reader::endParagraph(bool insertBreak)
 {
     flushText();
+    placeParagraphEndBookmarks();
     ensureTableState();
     applyParagraph(top().para);
     if (!m_inNote)

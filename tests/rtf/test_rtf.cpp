@@ -8,6 +8,7 @@
 #include "surface/rtf/rtfwriter.h"
 #include "testsupport.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QDir>
 #include <QImage>
@@ -1140,5 +1141,19 @@ void TestRtf::hostileInputNeitherCrashesNorHangs()
     }
 }
 
-QTEST_MAIN(TestRtf)
+// How lists look (test_rtflists.cpp).
+int runListTests(int argc, char **argv);
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    int status = 0;
+    {
+        TestRtf rtf;
+        status |= QTest::qExec(&rtf, argc, argv);
+    }
+    status |= runListTests(argc, argv);
+    return status;
+}
+
 #include "test_rtf.moc"

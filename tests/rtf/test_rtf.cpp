@@ -1141,8 +1141,9 @@ void TestRtf::hostileInputNeitherCrashesNorHangs()
     }
 }
 
-// How lists look (test_rtflists.cpp).
+// How lists look (test_rtflists.cpp); embedded objects (test_rtfobjects.cpp).
 int runListTests(int argc, char **argv);
+int runObjectTests(int argc, char **argv);
 
 int main(int argc, char *argv[])
 {
@@ -1153,6 +1154,7 @@ int main(int argc, char *argv[])
         status |= QTest::qExec(&rtf, argc, argv);
     }
     status |= runListTests(argc, argv);
+    status |= runObjectTests(argc, argv);
     return status;
 }
 

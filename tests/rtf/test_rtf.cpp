@@ -14,6 +14,7 @@
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -140,13 +141,19 @@ QString textWithoutNotes(const QTextDocument &doc)
 }
 
 // What LibreOffice's HTML of a document holds: list items (numbered ones apart), the deepest
-// list nesting, tables, footnotes and endnotes, page breaks and pictures.
+// list nesting, tables, footnotes and endnotes, page breaks and pictures, and the kinds of
+// lists ("u" bulleted, "1" "a" "I"... numbered; how the reference splits lists into elements
+// varies, so each kind is listed once).
 struct StructureCounts {
     int items = 0, numbered = 0, depth = 0, tables = 0, notes = 0, pageBreaks = 0, pictures = 0;
+    QSet<QString> lists;
     QString describe() const
     {
-        return QStringLiteral("items %1 numbered %2 depth %3 tables %4 notes %5 breaks %6 pictures %7")
-            .arg(items).arg(numbered).arg(depth).arg(tables).arg(notes).arg(pageBreaks).arg(pictures);
+        QStringList kinds(lists.cbegin(), lists.cend());
+        kinds.sort();
+        return QStringLiteral("items %1 numbered %2 depth %3 tables %4 notes %5 breaks %6 pictures %7 lists %8")
+            .arg(items).arg(numbered).arg(depth).arg(tables).arg(notes).arg(pageBreaks).arg(pictures)
+            .arg(kinds.join(QLatin1Char(' ')));
     }
 };
 
@@ -157,7 +164,8 @@ StructureCounts countsOfReferenceHtml(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return counts;
     const QString html = QString::fromUtf8(file.readAll());
-    static const QRegularExpression tag(QStringLiteral(R"(<(/?)(ol|ul|li|table|img)\b)"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression tag(QStringLiteral(R"(<(/?)(ol|ul|li|table|img)\b([^>]*))"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression type(QStringLiteral(R"re(type="(\w))re"));
     QStringList lists;
     for (auto it = tag.globalMatch(html); it.hasNext();) {
         const auto match = it.next();
@@ -166,8 +174,11 @@ StructureCounts countsOfReferenceHtml(const QString &path)
         if (name == QLatin1String("ol") || name == QLatin1String("ul")) {
             if (closing && !lists.isEmpty())
                 lists.removeLast();
-            else if (!closing)
+            else if (!closing) {
                 lists << name;
+                const auto kind = type.match(match.captured(3));
+                counts.lists << (name == QLatin1String("ul") ? QStringLiteral("u") : kind.hasMatch() ? kind.captured(1) : QStringLiteral("1"));
+            }
             counts.depth = std::max(counts.depth, int(lists.size()));
         } else if (name == QLatin1String("li") && !closing) {
             ++counts.items;

@@ -77,6 +77,30 @@ private slots:
         QCOMPARE(m_control->Text(), line);
     }
 
+    void brokenCharactersInTheText()
+    {
+        // A lone surrogate (which pasted or read text can hold) becomes U+FFFD for the search
+        // only; positions stay those of the document and a well-formed pair is kept.
+        const QString text = QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b x ") + QChar(0xD83D)
+            + QChar(0xDE00) + QStringLiteral(" x") + QChar(0xDC00);
+        const QString searchable = FindQuery::searchable(text);
+        QCOMPARE(searchable.size(), text.size());
+        QCOMPARE(searchable.at(1), QChar(QChar::ReplacementCharacter));
+        QCOMPARE(searchable.mid(5, 2), text.mid(5, 2));
+        QCOMPARE(searchable.back(), QChar(QChar::ReplacementCharacter));
+        QVERIFY(QStringView(searchable).isValidUtf16());
+
+        open(text);
+        click("RegexCheck");
+        typeFindText(QStringLiteral("\\bx\\b"));
+        pressEnter();
+        const int first = m_control->Text().indexOf(QLatin1Char('x'));
+        QCOMPARE(selection(), qMakePair(first, 1));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(selection(), qMakePair(int(m_control->Text().lastIndexOf(QLatin1Char('x'))), 1));
+        QTRY_COMPARE(count(), QStringLiteral("2 of 2"));
+    }
+
     void regexReplacementsUseGroups()
     {
         open(QStringLiteral("Smith, John\nDoe, Jane"));
@@ -222,6 +246,7 @@ private slots:
         QTRY_COMPARE(count(), QStringLiteral("2 matches"));
         pressEnter();
         QCOMPARE(selection(), qMakePair(10, 3));
+        QCOMPARE(status(), QString());
         pressEnter();
         QCOMPARE(selection(), qMakePair(14, 3));
         pressEnter();

@@ -73,14 +73,13 @@ FindReplaceFrm::FindReplaceFrm(ControlCore &core, QWidget *parent) : QDialog(par
     optionsLayout->addWidget(m_applyFontColour, 2, 1);
     optionsLayout->addWidget(m_fontColourButton, 3, 1);
 
+    // The labels take no focus and have no fixed accessible name: their text is their name,
+    // so assistive technology announces each new count and message.
     m_countLabel = new QLabel(this);
     m_countLabel->setObjectName(QStringLiteral("MatchCountLabel"));
-    m_countLabel->setAccessibleName(QStringLiteral("Match count"));
     m_statusLabel = new QLabel(this);
     m_statusLabel->setObjectName(QStringLiteral("StatusLabel"));
-    m_statusLabel->setAccessibleName(QStringLiteral("Search status"));
     m_statusLabel->setWordWrap(true);
-    m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     m_findNextButton = makeButton(QStringLiteral("FindNextButton"), QStringLiteral("Find Next"), this);
     m_findNextButton->setDefault(true);

@@ -102,6 +102,13 @@ EditorSurface::TextSpan FindSession::range()
     return {start, std::clamp(m_scope.end(), start, length) - start};
 }
 
+bool FindSession::selectionIsRange() const
+{
+    const EditorSurface &surface = m_core.surface();
+    return m_inSelection && surface.selLength() > 0 && surface.selStart() == m_scope.start
+        && surface.selLength() == m_scope.length;
+}
+
 void FindSession::activate()
 {
     m_active = true;
@@ -278,7 +285,8 @@ FindSession::Result FindSession::findNext()
     const EditorSurface &surface = m_core.surface();
     const EditorSurface::TextSpan searched = range();
     const int caret = surface.selStart() + surface.selLength();
-    const int from = caret >= searched.start && caret <= searched.end() ? caret : searched.start;
+    const bool inside = caret >= searched.start && caret <= searched.end() && !selectionIsRange();
+    const int from = inside ? caret : searched.start;
     FindQuery::Match match = m_query->next(text, from, searched.end());
     if (match.found() && match.length == 0 && match.start == caret && surface.selLength() == 0)
         match = match.start < searched.end() ? m_query->next(text, match.start + 1, searched.end()) : FindQuery::Match();
@@ -297,7 +305,8 @@ FindSession::Result FindSession::findPrevious()
     const QString &text = searchText();
     const EditorSurface::TextSpan searched = range();
     const int caret = m_core.surface().selStart();
-    const int before = caret >= searched.start && caret <= searched.end() ? caret : searched.end();
+    const bool inside = caret >= searched.start && caret <= searched.end() && !selectionIsRange();
+    const int before = inside ? caret : searched.end();
     FindQuery::Match match = m_query->previous(text, searched.start, before);
     if (match.found())
         return found(match, false);

@@ -30,8 +30,8 @@ class ControlCore;
 ///   result says it wrapped.
 /// - **In selection.** `setInSelection(true)` fixes the range searched to the selection the
 ///   user has at that moment; the range follows later edits (text inserted or removed inside it
-///   grows or shrinks it), so selecting a match does not change it. A caret outside the range
-///   searches from its start (next) or its end (previous).
+///   grows or shrinks it), so selecting a match does not change it. A caret outside the range,
+///   or the range itself still selected, searches from its start (next) or its end (previous).
 /// - **Counting.** While the session is active (the dialog shown), every match in the range is
 ///   counted in slices of about `kSliceMilliseconds` run from the event loop, so a 5 MB
 ///   document keeps the dialog responsive; the count starts again `kRecountDelay` ms after the
@@ -109,6 +109,8 @@ private:
 
     /// The document's plain text, made searchable (`FindQuery::searchable`) once per change.
     const QString &searchText();
+    /// True when the selection is the whole range searched in selection (just fixed).
+    bool selectionIsRange() const;
     void scheduleRecount();
     void startCount();
     void countSlice();

@@ -6,6 +6,7 @@
 #include "findreplace/findsession.h"
 #include "testregistry.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
@@ -184,6 +185,17 @@ private slots:
         QCOMPARE(selection(), qMakePair(12, 3));
         pressEnter();
         QCOMPARE(lastMessage(), QStringLiteral("The text: ''two'' not found after cursor location."));
+
+        // Tab goes through the options as they stand: down one column, then the other.
+        QWidget *focus = child<QCheckBox>("WholeWordCheck");
+        focus->setFocus();
+        QStringList visited;
+        for (int i = 0; i < 7; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            visited << QApplication::focusWidget()->objectName();
+        }
+        QCOMPARE(visited, (QStringList{"MatchCaseCheck", "RegexCheck", "WrapAroundCheck", "HighlightAllCheck",
+                                       "InSelectionCheck", "ApplyFontColorCheck", "FontColorButton"}));
         QTest::keyClick(m_dialog, Qt::Key_Escape);
         QVERIFY(!m_dialog->isVisible());
     }

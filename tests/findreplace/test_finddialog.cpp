@@ -211,6 +211,12 @@ private slots:
         QCOMPARE(count(), QStringLiteral("1 of 3"));
         pressEnter();
         QCOMPARE(count(), QStringLiteral("2 of 3"));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(selection(), qMakePair(2, 3));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(count(), QStringLiteral("3 of 3"));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(count(), QStringLiteral("2 of 3"));
         click("WholeWordCheck");
         QTRY_COMPARE(count(), QStringLiteral("2 of 2"));
         click("MatchCaseCheck");

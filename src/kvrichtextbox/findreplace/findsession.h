@@ -118,6 +118,10 @@ private:
     void clearHighlights();
     void textChanged(int position, int removed, int added);
     Result found(const FindQuery::Match &match, bool wrapped);
+    /// The last match in \a searched that ends before \a before: from the count when it is
+    /// complete and up to date (a bisection instead of a walk over a regular expression's
+    /// matches), from the query otherwise.
+    FindQuery::Match previousMatch(const QString &text, EditorSurface::TextSpan searched, int before);
     Result notFound(const FindQuery::Match &match) const;
 
     ControlCore &m_core;
@@ -133,6 +137,8 @@ private:
     quint64 m_searchRevision = 0;
     bool m_searchTextValid = false;
     QString m_countText;
+    quint64 m_countRevision = 0;
+    int m_countStart = 0;
     int m_countPosition = 0;
     int m_countEnd = 0;
     QList<EditorSurface::TextSpan> m_matches;

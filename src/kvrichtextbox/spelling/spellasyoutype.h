@@ -19,8 +19,10 @@ class ControlCore;
 /// Words are found exactly as `DetectMisspellings` finds them (addresses and listed
 /// abbreviations left out, the same tokenising, the same dictionary test, candidates with an
 /// outer apostrophe never reported), paragraph by paragraph. Only the paragraphs an edit touched
-/// are checked again, in idle slices of at most `kSliceMilliseconds` run from the event loop,
-/// so a keystroke itself costs no more than moving the marks. The marks are the surface's
+/// are checked again, once typing has paused for `kPauseMilliseconds`, in idle slices of at
+/// most `kSliceMilliseconds` run from the event loop, so a keystroke itself costs no more than
+/// moving the marks (the marks an edit touched go at once; the paragraph's new ones come with
+/// the pause). The marks are the surface's
 /// `Misspelling` decoration: they never enter the document, its RTF, its undo or `SelUnderline`.
 ///
 /// Off by default; switching it on checks the whole document in idle slices, switching it off
@@ -31,6 +33,8 @@ public:
 
     /// Longest stretch of checking done in one turn of the event loop.
     static constexpr int kSliceMilliseconds = 4;
+    /// How long typing must pause before edited paragraphs are checked.
+    static constexpr int kPauseMilliseconds = 300;
 
     explicit SpellAsYouType(ControlCore &core);
     ~SpellAsYouType();
@@ -57,10 +61,13 @@ private:
     /// Checks waiting paragraphs until the queue is empty or \a budgetMs has passed
     /// (a negative budget: no limit), then shows the marks.
     void checkSlice(int budgetMs);
-    /// Checks the paragraph at \a position; returns the position after its paragraph mark.
-    int checkParagraphAt(int position);
+    /// Checks the paragraph at \a position and sets \a next to the position after its
+    /// paragraph mark; returns true when its marks changed.
+    bool checkParagraphAt(int position, int *next);
     void queue(Span range);
-    void schedule();
+    /// Runs the next slice after \a delayMs (restarting a wait already running), or, for 0,
+    /// in the next turn of the event loop unless one is already due.
+    void schedule(int delayMs);
 
     ControlCore &m_core;
     bool m_enabled = false;

@@ -115,6 +115,10 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     m_edit->setAccessibleName(tr("Rich text editor"));
     connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
     connect(doc, &QTextDocument::contentsChanged, this, [this] {
+        if (m_decorationsStale) {
+            m_decorationsStale = false;
+            applyDecorations(false);
+        }
         if (m_listener)
             m_listener->change();
     });

@@ -180,6 +180,7 @@ private:
     QMap<int, QList<TextSpan>> m_decorations;
     int m_viewStart = 0;  ///< the text in view when decorations were last painted
     int m_viewEnd = -1;   ///< -1: not known
+    bool m_decorationsStale = false; ///< an edit changed a shown span: hand them over again
     QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;

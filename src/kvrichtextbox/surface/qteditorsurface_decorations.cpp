@@ -3,8 +3,11 @@
 
 #include "surface/qteditorsurface.h"
 
+#include "core/textspans.h"
+
 #include "surface/surfacetextedit.h"
 
+#include <QHash>
 #include <QPalette>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -80,19 +83,11 @@ void QtEditorSurface::moveDecorations(int position, int removed, int added)
         m_viewStart = std::max(0, m_viewStart + delta);
     if (m_viewEnd >= 0 && position <= m_viewEnd)
         m_viewEnd = std::max(m_viewStart, m_viewEnd + delta);
-    for (QList<TextSpan> &spans : m_decorations) {
-        QList<TextSpan> moved;
-        moved.reserve(spans.size());
-        for (TextSpan span : std::as_const(spans)) {
-            if (span.end() <= position) {
-                moved.append(span);
-            } else if (span.start >= position + removed) {
-                span.start += delta;
-                moved.append(span);
-            }
-        }
-        spans.swap(moved);
-    }
+    // The widget's selections move with the text by themselves, but one the edit cut into or
+    // added to would go on painting over the new text: those are handed over again once the
+    // edit is laid out.
+    for (QList<TextSpan> &spans : m_decorations)
+        m_decorationsStale |= moveTextSpans(spans, position, removed, added);
 }
 
 void QtEditorSurface::applyDecorations(bool findView)
@@ -112,6 +107,16 @@ void QtEditorSurface::applyDecorations(bool findView)
     const int first = std::max(0, m_viewStart - kMargin);
     const int last = m_viewEnd + kMargin;
 
+    // The cursors of the selections shown now have moved with every edit since they were
+    // placed. A span that still has one keeps it: placing a new cursor asks the layout where
+    // its line starts, and the widget repaints only the selections that differ, so unchanged
+    // marks cost neither layout work nor painting.
+    auto key = [](int start, int end) { return (quint64(quint32(start)) << 32) | quint32(end); };
+    QHash<quint64, QTextCursor> shown;
+    for (const QTextEdit::ExtraSelection &selection : m_edit->extraSelections()) {
+        if (selection.cursor.document() == document())
+            shown.insert(key(selection.cursor.selectionStart(), selection.cursor.selectionEnd()), selection.cursor);
+    }
     QList<QTextEdit::ExtraSelection> selections;
     for (auto it = m_decorations.cbegin(); it != m_decorations.cend(); ++it) {
         const QTextCharFormat format = decorationFormat(DecorationLayer(it.key()));
@@ -119,9 +124,12 @@ void QtEditorSurface::applyDecorations(bool findView)
         auto from = std::lower_bound(spans.cbegin(), spans.cend(), first,
                                      [](const TextSpan &span, int at) { return span.end() <= at; });
         for (; from != spans.cend() && from->start < last; ++from) {
-            QTextCursor cursor(document());
-            cursor.setPosition(from->start);
-            cursor.setPosition(from->end(), QTextCursor::KeepAnchor);
+            QTextCursor cursor = shown.value(key(from->start, from->end()));
+            if (cursor.isNull()) {
+                cursor = QTextCursor(document());
+                cursor.setPosition(from->start);
+                cursor.setPosition(from->end(), QTextCursor::KeepAnchor);
+            }
             selections.append({cursor, format});
         }
     }

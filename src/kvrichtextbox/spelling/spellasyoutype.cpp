@@ -77,6 +77,8 @@ void SpellAsYouType::setEnabled(bool enabled)
     } else {
         m_timer.stop();
         m_core.surface().setDecorations(EditorSurface::DecorationLayer::Misspelling, {});
+        if (m_marksObserver)
+            m_marksObserver();
     }
 }
 
@@ -215,8 +217,11 @@ void SpellAsYouType::checkSlice(int budgetMs)
     }
     // The surface has moved its copy of the marks with every edit, as they were moved here:
     // only a paragraph whose marks differ now needs the surface to repaint.
-    if (changed)
+    if (changed) {
         m_core.surface().setDecorations(EditorSurface::DecorationLayer::Misspelling, m_marks);
+        if (m_marksObserver)
+            m_marksObserver();
+    }
     schedule(0);
 }
 

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -51,6 +52,8 @@ public:
     bool hasPending() const { return !m_dirty.isEmpty(); }
     /// Checks every waiting paragraph now (before a decision that needs current marks).
     void checkPending();
+    /// Called after the marks changed by checking or by switching off; nullptr for none.
+    void setMarksObserver(std::function<void()> observer) { m_marksObserver = std::move(observer); }
 
     /// The misspelt words of \a text (one paragraph or more) as spans of \a text: the words
     /// `DetectMisspellings` would report, where they stand.
@@ -74,6 +77,7 @@ private:
     QList<Span> m_marks;  ///< sorted, non-overlapping
     QList<Span> m_dirty;  ///< stretches to check again, sorted, non-overlapping
     QTimer m_timer;
+    std::function<void()> m_marksObserver;
     /// Cleared on destruction: the surface keeps the observer for its own (longer) life.
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
 };

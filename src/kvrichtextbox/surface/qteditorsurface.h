@@ -135,6 +135,7 @@ public:
     TextSpan paragraphAt(int position) const override;
     int charAtGlobalPoint(const QPoint &globalPoint) const override;
     void addContentsObserver(ContentsObserver observer) override;
+    void setAccessibleDescription(const QString &description) override;
 
 private:
     QTextCursor cursor() const;
@@ -171,6 +172,10 @@ private:
     void applyDecorations(bool findView = true);
     /// Moves the decoration spans for an edit; spans the edit touched are dropped.
     void moveDecorations(int position, int removed, int added);
+    /// True when links are painted in the palette's link colour (a dark palette).
+    bool paintsLinks() const;
+    /// True when anything is painted over the text: a decoration layer or the links.
+    bool decorating() const;
     /// The look of a layer's spans in the widget's current palette.
     QTextCharFormat decorationFormat(DecorationLayer layer) const;
 

@@ -4,7 +4,7 @@
 #include "surface/qteditorsurface.h"
 
 #include "core/textspans.h"
-
+#include "surface/formatmapping.h"
 #include "surface/surfacetextedit.h"
 
 #include <QHash>
@@ -13,6 +13,7 @@
 #include <QTextDocument>
 
 #include <algorithm>
+#include <cmath>
 
 namespace kvrtb {
 
@@ -24,7 +25,64 @@ bool isDarkPalette(const QPalette &palette)
     return palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
 }
 
+/// Relative luminance of a colour, 0 (black) to 1 (white), as contrast ratios are reckoned.
+double luminance(const QColor &colour)
+{
+    auto channel = [](double value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
+}
+
+/// The contrast ratio of two colours, 1 (none) to 21 (black on white).
+double contrast(const QColor &a, const QColor &b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+/// The palette's link colour, made lighter in steps (keeping its hue) until it reads on the
+/// palette's base as well as body text should (a contrast of 4.5 to 1).
+QColor readableLinkColour(const QPalette &palette)
+{
+    const QColor base = palette.color(QPalette::Base);
+    QColor link = palette.color(QPalette::Link).toHsl();
+    while (contrast(link, base) < 4.5 && link.lightness() < 255)
+        link.setHsl(link.hslHue(), link.hslSaturation(), std::min(255, link.lightness() + 8));
+    return link.toRgb();
+}
+
+/// The runs of characters of \a document shown as links that meet [first, last), as spans.
+QList<EditorSurface::TextSpan> linkRuns(const QTextDocument *document, int first, int last)
+{
+    QList<EditorSurface::TextSpan> runs;
+    for (QTextBlock block = document->findBlock(first); block.isValid() && block.position() < last;
+         block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            if (!fragment.charFormat().boolProperty(format::LinkEffect))
+                continue;
+            if (!runs.isEmpty() && runs.last().end() == fragment.position())
+                runs.last().length += fragment.length();
+            else
+                runs.append({fragment.position(), fragment.length()});
+        }
+    }
+    return runs;
+}
+
 } // namespace
+
+bool QtEditorSurface::paintsLinks() const
+{
+    return m_edit && isDarkPalette(m_edit->palette());
+}
+
+bool QtEditorSurface::decorating() const
+{
+    return !m_decorations.isEmpty() || paintsLinks();
+}
 
 QTextCharFormat QtEditorSurface::decorationFormat(DecorationLayer layer) const
 {
@@ -118,20 +176,32 @@ void QtEditorSurface::applyDecorations(bool findView)
             shown.insert(key(selection.cursor.selectionStart(), selection.cursor.selectionEnd()), selection.cursor);
     }
     QList<QTextEdit::ExtraSelection> selections;
+    auto place = [&](const TextSpan &span, const QTextCharFormat &format) {
+        QTextCursor cursor = shown.value(key(span.start, span.end()));
+        if (cursor.isNull()) {
+            cursor = QTextCursor(document());
+            cursor.setPosition(span.start);
+            cursor.setPosition(span.end(), QTextCursor::KeepAnchor);
+        }
+        selections.append({cursor, format});
+    };
+    if (paintsLinks()) {
+        // In a dark palette the links in view are painted in the palette's link colour, under
+        // every other decoration: the characters keep the colour stored with them (a link
+        // stored dark would not read on a dark base), so the document, its RTF and what the
+        // control reports do not change.
+        QTextCharFormat linkFormat;
+        linkFormat.setForeground(readableLinkColour(m_edit->palette()));
+        for (const TextSpan &run : linkRuns(document(), first, last))
+            place(run, linkFormat);
+    }
     for (auto it = m_decorations.cbegin(); it != m_decorations.cend(); ++it) {
         const QTextCharFormat format = decorationFormat(DecorationLayer(it.key()));
         const QList<TextSpan> &spans = it.value();
         auto from = std::lower_bound(spans.cbegin(), spans.cend(), first,
                                      [](const TextSpan &span, int at) { return span.end() <= at; });
-        for (; from != spans.cend() && from->start < last; ++from) {
-            QTextCursor cursor = shown.value(key(from->start, from->end()));
-            if (cursor.isNull()) {
-                cursor = QTextCursor(document());
-                cursor.setPosition(from->start);
-                cursor.setPosition(from->end(), QTextCursor::KeepAnchor);
-            }
-            selections.append({cursor, format});
-        }
+        for (; from != spans.cend() && from->start < last; ++from)
+            place(*from, format);
     }
     m_edit->setExtraSelections(selections);
 }
@@ -147,6 +217,13 @@ EditorSurface::TextSpan QtEditorSurface::paragraphAt(int position) const
 int QtEditorSurface::charAtGlobalPoint(const QPoint &globalPoint) const
 {
     return charFromPoint(m_edit->viewport()->mapFromGlobal(globalPoint));
+}
+
+void QtEditorSurface::setAccessibleDescription(const QString &description)
+{
+    // The widget raises the description-changed event itself.
+    if (m_edit)
+        m_edit->setAccessibleDescription(description);
 }
 
 void QtEditorSurface::addContentsObserver(ContentsObserver observer)

@@ -1,6 +1,7 @@
-// Typing into a shown control holding about 1 MB of prose with some misspelt words, with
-// spelling as you type off in one control and on in another. Bursts of keys go to the two in
-// turn, so both see the same load on a shared machine. A keystroke is the key itself plus the
+// Typing into a shown control holding about 1 MB of prose with some misspelt words and links,
+// with spelling as you type off in one control, on in another, and on in a third with a dark
+// palette (where links in view are painted in the link colour after every change). Bursts of
+// keys go to the three in turn, so all see the same load on a shared machine. A keystroke is the key itself plus the
 // event-loop turn after it (repainting, and whatever checking is due). Edited paragraphs are
 // checked once typing pauses: after each burst of the "on" control that check is timed on its
 // own (checking the waiting paragraphs and repainting their marks). Also printed: how long the
@@ -11,6 +12,7 @@
 #include "core/editorsurface.h"
 #include "spelling/spellasyoutype.h"
 
+#include <QPalette>
 #include <QTest>
 
 #include <algorithm>
@@ -34,7 +36,9 @@ QString prose(int bytes)
     while (text.size() < bytes) {
         text += QStringLiteral("Paragraph %1 tells how teh quick brown fox jumps over the lazy dog, and how "
                                "the dog did not recieve the news with any pleasure at all.\n")
-                    .arg(paragraph++);
+                    .arg(paragraph);
+        if (paragraph++ % 4 == 0)
+            text += QStringLiteral("More at www.example.com/page%1 or from mail@example.org.\n").arg(paragraph);
     }
     return text;
 }
@@ -73,6 +77,7 @@ struct Shown {
             qFatal("the control was not shown");
         control.setDetectHyperLinks(false);
         control.setText(text);
+        control.HyperLinkDocument();
         length = control.RichTextBox1().textLength();
     }
     ~Shown() { control.SetRTBChanged(false); }
@@ -112,6 +117,12 @@ int main(int argc, char *argv[])
     const QString text = prose(1 << 20);
     Shown off(text);
     Shown on(text);
+    Shown dark(text);
+    QPalette palette = dark.editor()->palette();
+    palette.setColor(QPalette::Base, QColor(30, 30, 30));
+    palette.setColor(QPalette::Text, QColor(230, 230, 230));
+    palette.setColor(QPalette::Link, QColor(110, 170, 255));
+    dark.editor()->setPalette(palette);
 
     SpellAsYouType &spelling = on.control.core().spellAsYouType();
     QElapsedTimer whole;
@@ -121,9 +132,12 @@ int main(int argc, char *argv[])
         QCoreApplication::processEvents();
     const double wholeMs = ms(whole);
     const qsizetype marks = spelling.marks().size();
+    dark.control.setSpellAsYouType(true);
+    dark.control.core().spellAsYouType().checkPending();
 
     Samples offKeys;
     Samples onKeys;
+    Samples darkKeys;
     Samples pauses;
     QElapsedTimer timer;
     for (int burst = 0; burst < kBursts; ++burst) {
@@ -136,6 +150,8 @@ int main(int argc, char *argv[])
         QCoreApplication::processEvents();
         pauses.wall.push_back(ms(timer));
         pauses.cpu.push_back(threadCpuMs() - cpu);
+        typeBurst(dark, burst, darkKeys);
+        dark.control.core().spellAsYouType().checkPending();
     }
 
     std::printf("%d characters, %d bursts of %d keys to each control in turn, each burst at a new place:\n",
@@ -145,6 +161,7 @@ int main(int argc, char *argv[])
     std::printf("  difference of medians: %.3f ms (cpu %.3f) (goal: within 1 ms)\n",
                 percentile(onKeys.wall, 0.5) - percentile(offKeys.wall, 0.5),
                 percentile(onKeys.cpu, 0.5) - percentile(offKeys.cpu, 0.5));
+    print("per key, on, in a dark palette:   ", darkKeys);
     print("check when typing pauses:          ", pauses);
     std::printf("  first check of the whole document: %.0f ms in idle slices, %lld words underlined\n", wholeMs,
                 static_cast<long long>(marks));

@@ -190,9 +190,11 @@ void QtEditorSurface::applyDecorations(bool findView)
         // every other decoration: the characters keep the colour stored with them (a link
         // stored dark would not read on a dark base), so the document, its RTF and what the
         // control reports do not change.
+        // They are found again after every change, so only a small margin is looked at.
+        constexpr int kLinkMargin = 512;
         QTextCharFormat linkFormat;
         linkFormat.setForeground(readableLinkColour(m_edit->palette()));
-        for (const TextSpan &run : linkRuns(document(), first, last))
+        for (const TextSpan &run : linkRuns(document(), std::max(0, m_viewStart - kLinkMargin), m_viewEnd + kLinkMargin))
             place(run, linkFormat);
     }
     for (auto it = m_decorations.cbegin(); it != m_decorations.cend(); ++it) {

@@ -135,6 +135,17 @@ QStringList gapsOfModal(const std::function<void()> &open, QString *title)
     return gaps;
 }
 
+/// Shows \a control holding \a text; false when the window did not come up.
+bool showHolding(KvRTB &control, const QString &text)
+{
+    control.resize(500, 300);
+    control.show();
+    if (!QTest::qWaitForWindowExposed(&control))
+        return false;
+    control.setText(text);
+    return true;
+}
+
 } // namespace
 
 /// Fails with the list of gaps, one per line.
@@ -190,10 +201,7 @@ private slots:
     void spellingDialogHasNamesRolesTabOrderAndEscape()
     {
         KvRTB control;
-        control.resize(500, 300);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setText(QStringLiteral("Teh wrod is here."));
+        QVERIFY(showHolding(control, QStringLiteral("Teh wrod is here.")));
         control.ShowSpellCheck();
         QPointer<SpellCheckFrm> dialog = control.findChild<SpellCheckFrm *>();
         QVERIFY(dialog);
@@ -220,10 +228,7 @@ private slots:
         // which needs a running screen reader to observe); leaving it, typing at a word's end
         // or selecting clears it.
         KvRTB control;
-        control.resize(500, 200);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setText(QStringLiteral("A wrold and www.example.com here."));
+        QVERIFY(showHolding(control, QStringLiteral("A wrold and www.example.com here.")));
         control.HyperLinkDocument();
         control.setSpellAsYouType(true);
         QTRY_VERIFY(!control.core().spellAsYouType().hasPending());

@@ -19,9 +19,8 @@ QString CaretDescription::describe(int position) const
     if (const auto mark = m_core.spellAsYouType().markAt(position); mark && position < mark->end())
         return misspeltWord(surface.textRange(mark->start, mark->length));
     const CharFormat format = surface.rangeCharFormat(position, 1);
-    if (format.hasLinkMarker() && format.linkEffect.value_or(false)) {
+    if (format.hasLinkMarker() && format.linkEffect.value_or(false))
         return link(format.linkAddress.value_or(QString()));
-    }
     return {};
 }
 

@@ -10,9 +10,8 @@ class ControlCore;
 /// has marked as misspelt, or a link the control made.
 ///
 /// The editor's accessible description becomes "Misspelt word: <word>" or "Link: <address>"
-/// ("Link" for a link without an address)
-/// while the character after the caret (with nothing selected) belongs to such a word or link,
-/// and empty otherwise. Setting it raises the accessibility event for a changed description,
+/// ("Link" for a link without an address) while the character after the caret (with nothing
+/// selected) belongs to such a word or link, and is empty otherwise. Setting it raises the accessibility event for a changed description,
 /// which screen readers receive as a property change of the focused editor; the description
 /// is also there to read at any time. Moving through a word to its end, as typing does, leaves
 /// the word, so typing is not talked over.

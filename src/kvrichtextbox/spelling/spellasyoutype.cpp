@@ -215,13 +215,14 @@ void SpellAsYouType::checkSlice(int budgetMs)
         else
             range = {next, range.end() - next};
     }
-    // The surface has moved its copy of the marks with every edit, as they were moved here:
-    // only a paragraph whose marks differ now needs the surface to repaint.
-    if (changed) {
-        m_core.surface().setDecorations(EditorSurface::DecorationLayer::Misspelling, m_marks);
-        if (m_marksObserver)
-            m_marksObserver();
-    }
+    // The surface moves its copy of the marks with every edit as they are moved here, so when
+    // no paragraph's marks changed there is nothing to repaint; the copy is compared all the
+    // same (a plain comparison, far cheaper than repainting) so that it can never drift.
+    EditorSurface &surface = m_core.surface();
+    if (changed || surface.decorations(EditorSurface::DecorationLayer::Misspelling) != m_marks)
+        surface.setDecorations(EditorSurface::DecorationLayer::Misspelling, m_marks);
+    if (changed && m_marksObserver)
+        m_marksObserver();
     schedule(0);
 }
 

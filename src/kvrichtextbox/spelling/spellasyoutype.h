@@ -23,8 +23,8 @@ class ControlCore;
 /// are checked again, once typing has paused for `kPauseMilliseconds`, in idle slices of at
 /// most `kSliceMilliseconds` run from the event loop, so a keystroke itself costs no more than
 /// moving the marks (the marks an edit touched go at once; the paragraph's new ones come with
-/// the pause). The marks are the surface's
-/// `Misspelling` decoration: they never enter the document, its RTF, its undo or `SelUnderline`.
+/// the pause). The marks are the surface's `Misspelling` decoration: they never enter the
+/// document, its RTF, its undo or `SelUnderline`.
 ///
 /// Off by default; switching it on checks the whole document in idle slices, switching it off
 /// removes every mark.

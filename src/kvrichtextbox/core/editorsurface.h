@@ -459,6 +459,11 @@ public:
     /// Adds an observer of text changes, called after the change; kept for the surface's life.
     virtual void addContentsObserver(ContentsObserver observer) = 0;
 
+    // --- Accessibility ----------------------------------------------------------------------
+    /// Sets the editor's accessible description (empty: none), as assistive technology reads
+    /// it; a change raises the accessibility event for a changed description.
+    virtual void setAccessibleDescription(const QString &description) = 0;
+
     // --- Events -----------------------------------------------------------------------------
     /// The listener that receives the surface's events; not owned; nullptr for none.
     virtual void setListener(SurfaceListener *listener) = 0;

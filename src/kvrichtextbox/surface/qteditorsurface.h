@@ -142,6 +142,7 @@ public:
     TextSpan paragraphAt(int position) const override;
     int charAtGlobalPoint(const QPoint &globalPoint) const override;
     void addContentsObserver(ContentsObserver observer) override;
+    void setAccessibleDescription(const QString &description) override;
 
 private:
     QTextCursor cursor() const;
@@ -186,6 +187,10 @@ private:
     void applyDecorations(bool findView = true);
     /// Moves the decoration spans for an edit; spans the edit touched are dropped.
     void moveDecorations(int position, int removed, int added);
+    /// True when links are painted in the palette's link colour (a dark palette).
+    bool paintsLinks() const;
+    /// True when anything is painted over the text: a decoration layer or the links.
+    bool decorating() const;
     /// The look of a layer's spans in the widget's current palette.
     QTextCharFormat decorationFormat(DecorationLayer layer) const;
 
@@ -195,6 +200,7 @@ private:
     QMap<int, QList<TextSpan>> m_decorations;
     int m_viewStart = 0;  ///< the text in view when decorations were last painted
     int m_viewEnd = -1;   ///< -1: not known
+    bool m_decorationsStale = false; ///< an edit changed a shown span: hand them over again
     QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;

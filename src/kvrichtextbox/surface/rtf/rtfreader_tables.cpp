@@ -53,6 +53,8 @@ qint8 borderStyleOf(std::string_view name)
         return qint8(QTextFrameFormat::BorderStyle_Outset);
     if (name == "brdrsh")
         return -1; // a shadow, not a style
+    if (name == "brdrnone" || name == "brdrnil" || name == "brdrtbl")
+        return qint8(QTextFrameFormat::BorderStyle_None);
     return qint8(QTextFrameFormat::BorderStyle_Solid);
 }
 
@@ -292,10 +294,6 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
             if (style >= 0)
                 border->style = style;
         }
-        break;
-    case Word::BrdrNone:
-        if (CellBorder *border = borderTarget(def))
-            border->style = qint8(QTextFrameFormat::BorderStyle_None);
         break;
     default:
         break;

@@ -89,14 +89,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"clcbpat", Word::ClCbPat}, {"clcfpat", Word::ClCfPat}, {"clshdng", Word::ClShdng},
         {"clbrdrt", Word::ClBrdrT}, {"clbrdrl", Word::ClBrdrL}, {"clbrdrb", Word::ClBrdrB}, {"clbrdrr", Word::ClBrdrR},
         {"trbrdrt", Word::TrBrdrT}, {"trbrdrl", Word::TrBrdrL}, {"trbrdrb", Word::TrBrdrB}, {"trbrdrr", Word::TrBrdrR},
-        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf},
-        {"brdrs", Word::BrdrStyle}, {"brdrth", Word::BrdrStyle}, {"brdrsh", Word::BrdrStyle},
-        {"brdrdb", Word::BrdrStyle}, {"brdrdot", Word::BrdrStyle}, {"brdrdash", Word::BrdrStyle},
-        {"brdrdashsm", Word::BrdrStyle}, {"brdrdashd", Word::BrdrStyle}, {"brdrdashdd", Word::BrdrStyle},
-        {"brdrhair", Word::BrdrStyle}, {"brdrtriple", Word::BrdrStyle}, {"brdrwavy", Word::BrdrStyle},
-        {"brdrwavydb", Word::BrdrStyle}, {"brdrinset", Word::BrdrStyle}, {"brdroutset", Word::BrdrStyle},
-        {"brdremboss", Word::BrdrStyle}, {"brdrengrave", Word::BrdrStyle}, {"brdrframe", Word::BrdrStyle},
-        {"brdrnone", Word::BrdrNone}, {"brdrnil", Word::BrdrNone}, {"brdrtbl", Word::BrdrNone},
+        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV},
         // What readers without nested tables read instead of them: dropped like other
         // stand-ins for constructs the reader knows.
         {"nonesttables", Word::NonShpPict},
@@ -132,10 +125,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         // paragraph borders and shading; the border words of other owners end a paragraph's
         {"brdrt", Word::BrdrT}, {"brdrb", Word::BrdrB}, {"brdrl", Word::BrdrL}, {"brdrr", Word::BrdrR},
         {"box", Word::Box}, {"brdrbtw", Word::BrdrBtw}, {"brdrbar", Word::BrdrOther},
-        {"clbrdrt", Word::BrdrOther}, {"clbrdrb", Word::BrdrOther}, {"clbrdrl", Word::BrdrOther},
-        {"clbrdrr", Word::BrdrOther}, {"trbrdrt", Word::BrdrOther}, {"trbrdrb", Word::BrdrOther},
-        {"trbrdrl", Word::BrdrOther}, {"trbrdrr", Word::BrdrOther}, {"trbrdrh", Word::BrdrOther},
-        {"trbrdrv", Word::BrdrOther}, {"chbrdr", Word::BrdrOther}, {"pgbrdrt", Word::BrdrOther},
+        {"chbrdr", Word::BrdrOther}, {"pgbrdrt", Word::BrdrOther},
         {"pgbrdrb", Word::BrdrOther}, {"pgbrdrl", Word::BrdrOther}, {"pgbrdrr", Word::BrdrOther},
         {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf}, {"brsp", Word::BrSp},
         {"shading", Word::Shading}, {"cfpat", Word::CfPat}, {"cbpat", Word::CbPat},

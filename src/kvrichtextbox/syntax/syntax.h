@@ -2,9 +2,9 @@
 
 #include "syntax/colouringengine.h"
 
-#include <future>
-
 #include <QString>
+
+#include <future>
 
 namespace kvrtb {
 

@@ -1124,7 +1124,8 @@ void TestRtf::tableBordersShadingPaddingAndWidths()
         "{\\rtf1\\ansi{\\colortbl;\\red255\\green0\\blue0;\\red0\\green0\\blue255;}\n"
         "\\trowd\\trgaph105\\trpaddl60\\trpaddfl3"
         "\\clbrdrt\\brdrs\\brdrw30\\brdrcf1\\clbrdrb\\brdrdb\\brdrw15\\clcbpat2\\clvertalc\\cellx1500"
-        "\\clshdng2000\\clvertalb\\clpadt45\\clpadft3\\clpadr90\\clpadfr0\\clbrdrl\\brdrdot\\clbrdrr\\brdrnone\\cellx3000\n"
+        "\\clshdng2000\\clvertalb\\clpadt45\\clpadft3\\clpadr90\\clpadfr0\\clbrdrl\\brdrdot\\clbrdrr\\brdrnone"
+        "\\cldgll\\brdrs\\cldglu\\brdrs\\cellx3000\n"
         "\\pard\\intbl a\\cell b\\cell\\row\n"
         "\\trowd\\trbrdrt\\brdrs\\trbrdrh\\brdrdash\\brdrw45\\cellx1500\\cellx3000\\pard\\intbl c\\cell d\\cell\\row\n"
         "\\pard x\\par}";

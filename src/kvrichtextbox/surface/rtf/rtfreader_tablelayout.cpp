@@ -91,9 +91,11 @@ void Reader::applyTableLayout(TableBuild &build)
     std::sort(grid.begin(), grid.end());
     grid.erase(std::unique(grid.begin(), grid.end()), grid.end());
     const int columns = int(grid.size()) - 1;
-    if (size_t(columns) > kMaxGridColumns || size_t(columns) * size_t(rows) > kMaxGridCells || columns < table->columns())
+    if (size_t(columns) > kMaxGridColumns || size_t(columns) * size_t(rows) > kMaxGridCells)
         return;
-    if (table->columns() < columns)
+    if (table->columns() > columns) // made for a row definition wider than any row: empty
+        table->removeColumns(columns, table->columns() - columns);
+    else if (table->columns() < columns)
         table->appendColumns(columns - table->columns());
     auto columnOf = [&](int edge) { return int(std::lower_bound(grid.begin(), grid.end(), edge) - grid.begin()); };
 
@@ -236,7 +238,9 @@ void Reader::applyTableLayout(TableBuild &build)
                 table->mergeCells(r, column, down, across);
             // Cells past the definition have the properties of its last cell.
             const CellDef properties = def.cells.empty() ? CellDef() : def.cells[std::min(size_t(i), def.cells.size() - 1)];
-            table->cellAt(r, column).setFormat(cellFormat(def, properties, r, i, cellCount, down));
+            const QTextTableCellFormat qt = cellFormat(def, properties, r, i, cellCount, down);
+            if (!qt.properties().isEmpty())
+                table->cellAt(r, column).setFormat(qt);
         }
     }
 }

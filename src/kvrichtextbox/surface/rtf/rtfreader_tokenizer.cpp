@@ -88,7 +88,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"clcbpat", Word::ClCbPat}, {"clcfpat", Word::ClCfPat}, {"clshdng", Word::ClShdng},
         {"clbrdrt", Word::ClBrdrT}, {"clbrdrl", Word::ClBrdrL}, {"clbrdrb", Word::ClBrdrB}, {"clbrdrr", Word::ClBrdrR},
         {"trbrdrt", Word::TrBrdrT}, {"trbrdrl", Word::TrBrdrL}, {"trbrdrb", Word::TrBrdrB}, {"trbrdrr", Word::TrBrdrR},
-        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf},
+        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"cldgll", Word::ClDiagonal}, {"cldglu", Word::ClDiagonal}, {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf},
         {"brdrs", Word::BrdrStyle}, {"brdrth", Word::BrdrStyle}, {"brdrsh", Word::BrdrStyle},
         {"brdrdb", Word::BrdrStyle}, {"brdrdot", Word::BrdrStyle}, {"brdrdash", Word::BrdrStyle},
         {"brdrdashsm", Word::BrdrStyle}, {"brdrdashd", Word::BrdrStyle}, {"brdrdashdd", Word::BrdrStyle},

@@ -2,6 +2,7 @@
 // queries the ruler draws from.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/qteditorsurface.h"
 #include "surface/surfacetextedit.h"
 
@@ -135,6 +136,7 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
         context.clip = view.adjusted(0, 1, 0, -1);
         context.palette.setColor(QPalette::Text, Qt::black);
         textLayout->draw(&painter, context);
+        listmarkers::paint(painter, *copy, context.clip, Qt::black);
         painter.restore();
         if (request.decorate)
             request.decorate(painter, PageFrame{page, pageCount, paper, body});

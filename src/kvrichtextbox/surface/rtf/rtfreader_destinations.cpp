@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
@@ -124,6 +125,10 @@ void Reader::finishDestination(const GroupState &closing)
         m_picture = PictureBuild();
         break;
     case Dest::Pn:
+        // A middle dot is the Symbol font's bullet, the font old writers give it in.
+        m_pnBullet = m_pnBuild.numbering == int(Numbering::Bullet) ? QString(m_pnBefore).remove(QLatin1Char('(')).trimmed() : QString();
+        if (m_pnBullet == QStringLiteral("\u00b7"))
+            m_pnBullet = QStringLiteral("\u2022");
         top().para.pn = m_pnBuild;
         top().para.bulletIndent = m_pnBuild.indent;
         if (m_pnBuild.numbering != int(Numbering::Bullet) && m_pnBuild.style != int(NumberingStyle::NoNumber)) {
@@ -162,6 +167,7 @@ void Reader::finishDestination(const GroupState &closing)
         m_destText.clear();
         break;
     case Dest::ListLevel:
+        m_levelBuild.bullet = rtf::bulletOfLevel(m_levelBuild.characters, m_fonts.value(closing.ch.font).name);
         if (!m_lists.empty())
             m_lists.back().levels.push_back(m_levelBuild);
         m_levelBuild = ListLevelDef();

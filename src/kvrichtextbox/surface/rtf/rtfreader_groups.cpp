@@ -106,6 +106,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         const char16_t unit = char16_t(param < 0 ? param + 65536 : param);
         if (dest == Dest::LevelText) {
             m_levelBuild.text += '?';
+            m_levelBuild.characters += QChar(unit);
         } else {
             addChar(unit);
         }

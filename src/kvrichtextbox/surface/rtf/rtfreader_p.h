@@ -200,6 +200,8 @@ struct ListLevelDef {
     int nfc = 0;
     int start = 1;
     QByteArray text;
+    QString characters; // the level text as characters (\u and \'hh decoded), for its bullet
+    QString bullet;     // what a bulleted level shows, from its characters and font
 };
 
 struct ListDef {
@@ -387,6 +389,7 @@ private:
 
     PnState m_pnBuild;
     QString m_pnBefore, m_pnAfter;
+    QString m_pnBullet; // the bullet of the last bulleted paragraph numbering read (\pntxtb)
 
     std::vector<ListDef> m_lists;
     ListLevelDef m_levelBuild;

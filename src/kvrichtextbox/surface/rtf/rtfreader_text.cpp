@@ -22,6 +22,7 @@ void Reader::addByte(unsigned char byte)
     const Dest dest = top().dest;
     if (dest == Dest::LevelText) {
         m_levelBuild.text += char(byte);
+        m_levelBuild.characters += QChar(char16_t(byte));
         return;
     }
     if (dest == Dest::Pict || dest == Dest::Skip || dest == Dest::Upr || dest == Dest::Ignore
@@ -61,6 +62,7 @@ void Reader::addAscii(const char *s, int n)
     const Dest dest = top().dest;
     if (dest == Dest::LevelText) {
         m_levelBuild.text.append(s, n);
+        m_levelBuild.characters += QLatin1String(s, n);
         return;
     }
     if (dest == Dest::Pict) {

@@ -2,7 +2,7 @@
 
 namespace kvrtb::rtf::detail {
 
-void Writer::writeCharProps(const QTextCharFormat &qt)
+RunProps Writer::runPropsOf(const QTextCharFormat &qt)
 {
     const CharFormat f = format::readChar(qt, m_defaults);
     RunProps next;
@@ -21,6 +21,23 @@ void Writer::writeCharProps(const QTextCharFormat &qt)
     next.script = int(*f.script);
     next.offset = *f.charOffset;
     next.lang = *f.locale;
+    return next;
+}
+
+void Writer::writeCharProps(const QTextCharFormat &qt, int formatIndex)
+{
+    // Fragments share a handful of formats: each format's properties are worked out once.
+    RunProps next;
+    if (formatIndex < 0) {
+        next = runPropsOf(qt);
+    } else {
+        if (size_t(formatIndex) >= m_runPropsByFormat.size())
+            m_runPropsByFormat.resize(size_t(formatIndex) + 1);
+        std::optional<RunProps> &cached = m_runPropsByFormat[size_t(formatIndex)];
+        if (!cached)
+            cached = runPropsOf(qt);
+        next = *cached;
+    }
 
     RunProps &now = m_props;
     if (next.font != now.font)

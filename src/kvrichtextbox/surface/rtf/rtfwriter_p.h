@@ -4,6 +4,7 @@
 // (characters, paragraphs, tables, notes). Private to surface/rtf.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/rtf/codepage.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"
@@ -24,6 +25,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace kvrtb::rtf::detail {
@@ -66,7 +68,10 @@ private:
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
     void writeFragmentText(const QString &text);
-    void writeCharProps(const QTextCharFormat &format);
+    /// Writes the differences from the run before; \a formatIndex (the document's index of
+    /// \a format, or -1) lets the properties of a format be worked out once.
+    void writeCharProps(const QTextCharFormat &format, int formatIndex = -1);
+    RunProps runPropsOf(const QTextCharFormat &format);
     void writePicture(const QTextImageFormat &format);
     void collectNotes();
     bool isAttachedNote(const QTextBlock &block) const;
@@ -89,6 +94,7 @@ private:
     bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
     int m_tableDepth = 0;       // the depth of the table whose cells are being written
     RunProps m_props;
+    std::vector<std::optional<RunProps>> m_runPropsByFormat; // by the document's format index
     // The paragraphs of each note whose reference is written, by note id.
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;

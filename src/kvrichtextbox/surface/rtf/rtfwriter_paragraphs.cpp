@@ -55,11 +55,12 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         // plain \pn paragraph numbering replace the list).
         // Paragraphs without a number of their own (continuations) are no list items to others.
         const QTextList *list = block.textList();
-        const int level = std::clamp(list->format().indent() - 1, 0, 8);
+        const int level = listmarkers::levelOf(list->format());
         const QTextBlock previous = block.previous();
         const bool followsList = previous.isValid() && previous.textList();
         if (style != NumberingStyle::NoNumber) {
-            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList));
+            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList,
+                                              list->format().stringProperty(listmarkers::BulletTextProperty)));
             if (level)
                 word("ilvl", level);
         }
@@ -79,8 +80,11 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         case Numbering::UpperRoman: m_out += "\\pnucrm"; break;
         default: break;
         }
-        if (numbering == Numbering::Bullet)
-            m_out += "{\\pntxtb\\'95}";
+        if (numbering == Numbering::Bullet) {
+            m_out += "{\\pntxtb ";
+            escaped(listmarkers::markerText(block), m_out);
+            m_out += '}';
+        }
         switch (style) {
         case NumberingStyle::Period:
             if (numbering != Numbering::Bullet)
@@ -104,7 +108,7 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         if (style != NumberingStyle::NoNumber) {
             // The number as text, for readers that know neither form.
             m_out += "{\\listtext ";
-            escaped(numbering == Numbering::Bullet ? QString(QChar(0x2022)) : list->itemText(block), m_out);
+            escaped(listmarkers::markerText(block), m_out);
             m_out += "\\tab}";
         }
         m_needSpace = false;
@@ -153,10 +157,15 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         m_props = beforeLink;
         inLink = false;
     };
+    // A block's fragments follow each other, so their positions are counted here (asking
+    // each fragment for its position walks the document's fragment tree every time).
+    int fragmentStart = blockStart;
     for (auto it = block.begin(); !it.atEnd(); ++it) {
         const QTextFragment fragment = it.fragment();
-        const int from = std::max(rangeStart, fragment.position());
-        const int to = std::min(rangeEnd, fragment.position() + fragment.length());
+        const int fragmentPosition = fragmentStart;
+        fragmentStart += fragment.length();
+        const int from = std::max(rangeStart, fragmentPosition);
+        const int to = std::min(rangeEnd, fragmentStart);
         if (from >= to)
             continue;
         const QTextCharFormat qt = fragment.charFormat();
@@ -165,7 +174,9 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         const bool isLink = !address.isEmpty() || effect;
         if (inLink && (!isLink || address != linkAddress || effect != linkEffect))
             closeLink();
-        QString value = fragment.text().mid(from - fragment.position(), to - from);
+        QString value = fragment.text();
+        if (to - from != value.size())
+            value = value.mid(from - fragmentPosition, to - from);
         if (isLink && !inLink) {
             inLink = true;
             linkAddress = address;
@@ -185,7 +196,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_needSpace = true;
         }
         if (qt.isImageFormat()) {
-            writeCharProps(qt);
+            writeCharProps(qt, fragment.charFormatIndex());
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
             continue;
@@ -200,7 +211,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "{\\rtlch";
             m_needSpace = true;
         }
-        writeCharProps(qt);
+        writeCharProps(qt, fragment.charFormatIndex());
         if (rtl) {
             m_props.bold ? word("ab") : word("ab", 0);
             m_props.italic ? word("ai") : word("ai", 0);

@@ -95,10 +95,10 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         flushBytes();
     // Border details (\brdrw, \brdrcf, a style word) describe the border named last: a cell's or
     // row's (\clbrdrt, \trbrdrl ...) or the paragraph's (\brdrt, \box ...).
-    if (word >= Word::ClBrdrT && word <= Word::TrBrdrV)
+    if (word >= Word::ClBrdrT && word <= Word::ClDiagonal)
         state.para.borderSide = -1;
     const bool borderDetail = word == Word::BrdrW || word == Word::BrdrCf || word == Word::BrdrStyle;
-    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::TrBrdrV)
+    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::ClDiagonal)
         || (borderDetail && state.para.borderSide == -1)) {
         tableWord(word, name, hasParam, param);
         return;

@@ -97,7 +97,7 @@ enum class Word : quint16 {
     Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
     ClPadL, ClPadT, ClPadB, ClPadR, ClPadFL, ClPadFT, ClPadFB, ClPadFR, ClVertAlT, ClVertAlC, ClVertAlB,
     ClCbPat, ClCfPat, ClShdng, ClBrdrT, ClBrdrL, ClBrdrB, ClBrdrR, TrBrdrT, TrBrdrL, TrBrdrB, TrBrdrR,
-    TrBrdrH, TrBrdrV,
+    TrBrdrH, TrBrdrV, ClDiagonal,
     // legacy numbering
     PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
     PnIndent,

@@ -89,7 +89,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"clcbpat", Word::ClCbPat}, {"clcfpat", Word::ClCfPat}, {"clshdng", Word::ClShdng},
         {"clbrdrt", Word::ClBrdrT}, {"clbrdrl", Word::ClBrdrL}, {"clbrdrb", Word::ClBrdrB}, {"clbrdrr", Word::ClBrdrR},
         {"trbrdrt", Word::TrBrdrT}, {"trbrdrl", Word::TrBrdrL}, {"trbrdrb", Word::TrBrdrB}, {"trbrdrr", Word::TrBrdrR},
-        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV},
+        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"cldgll", Word::ClDiagonal}, {"cldglu", Word::ClDiagonal},
         // What readers without nested tables read instead of them: dropped like other
         // stand-ins for constructs the reader knows.
         {"nonesttables", Word::NonShpPict},

@@ -146,6 +146,16 @@ bool showHolding(KvRTB &control, const QString &text)
     return true;
 }
 
+/// Shows \a control holding \a text with its addresses linked and its misspelt words marked.
+bool showMarked(KvRTB &control, const QString &text)
+{
+    if (!showHolding(control, text))
+        return false;
+    control.HyperLinkDocument();
+    control.setSpellAsYouType(true);
+    return QTest::qWaitFor([&] { return !control.core().spellAsYouType().hasPending(); });
+}
+
 } // namespace
 
 /// Fails with the list of gaps, one per line.
@@ -228,10 +238,7 @@ private slots:
         // which needs a running screen reader to observe); leaving it, typing at a word's end
         // or selecting clears it.
         KvRTB control;
-        QVERIFY(showHolding(control, QStringLiteral("A wrold and www.example.com here.")));
-        control.HyperLinkDocument();
-        control.setSpellAsYouType(true);
-        QTRY_VERIFY(!control.core().spellAsYouType().hasPending());
+        QVERIFY(showMarked(control, QStringLiteral("A wrold and www.example.com here.")));
         QWidget *editor = control.RichTextBox1().widget();
         editor->setObjectName(QStringLiteral("editor"));
         control.SetInFocus();
@@ -277,10 +284,7 @@ private slots:
         // where a misspelt word or a link begins or ends ("invalid:spelling" on the word), the
         // caret, the selection and character places; edits through it are undoable user edits.
         KvRTB control;
-        QVERIFY(showHolding(control, QStringLiteral("A wrold and www.example.com now.\nSecond lnie here.")));
-        control.HyperLinkDocument();
-        control.setSpellAsYouType(true);
-        QTRY_VERIFY(!control.core().spellAsYouType().hasPending());
+        QVERIFY(showMarked(control, QStringLiteral("A wrold and www.example.com now.\nSecond lnie here.")));
         QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(control.RichTextBox1().widget());
         QAccessibleTextInterface *text = iface->textInterface();
         QVERIFY(text);

@@ -146,6 +146,16 @@ bool showHolding(KvRTB &control, const QString &text)
     return true;
 }
 
+/// Shows \a control holding \a text with its addresses linked and its misspelt words marked.
+bool showMarked(KvRTB &control, const QString &text)
+{
+    if (!showHolding(control, text))
+        return false;
+    control.HyperLinkDocument();
+    control.setSpellAsYouType(true);
+    return QTest::qWaitFor([&] { return !control.core().spellAsYouType().hasPending(); });
+}
+
 } // namespace
 
 /// Fails with the list of gaps, one per line.
@@ -228,10 +238,7 @@ private slots:
         // which needs a running screen reader to observe); leaving it, typing at a word's end
         // or selecting clears it.
         KvRTB control;
-        QVERIFY(showHolding(control, QStringLiteral("A wrold and www.example.com here.")));
-        control.HyperLinkDocument();
-        control.setSpellAsYouType(true);
-        QTRY_VERIFY(!control.core().spellAsYouType().hasPending());
+        QVERIFY(showMarked(control, QStringLiteral("A wrold and www.example.com here.")));
         QWidget *editor = control.RichTextBox1().widget();
         editor->setObjectName(QStringLiteral("editor"));
         control.SetInFocus();
@@ -269,6 +276,85 @@ private slots:
         QCOMPARE(description(), QString());
         control.setSpellAsYouType(true);
         QTRY_COMPARE(description(), QStringLiteral("Misspelt word: zorp"));
+    }
+
+    void editorTextInterfaceMarksMisspeltWords()
+    {
+        // What a screen reader reads from the editor: the text, runs of attributes that end
+        // where a misspelt word or a link begins or ends ("invalid:spelling" on the word), the
+        // caret, the selection and character places; edits through it are undoable user edits.
+        KvRTB control;
+        QVERIFY(showMarked(control, QStringLiteral("A wrold and www.example.com now.\nSecond lnie here.")));
+        QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(control.RichTextBox1().widget());
+        QAccessibleTextInterface *text = iface->textInterface();
+        QVERIFY(text);
+        const QString all = control.Text();
+        QCOMPARE(text->characterCount(), all.size());
+        QCOMPARE(text->text(0, int(all.size())), all);
+        QCOMPARE(text->text(-5, 3), all.left(3));
+        QCOMPARE(iface->text(QAccessible::Value), all);
+
+        const int word = int(all.indexOf(QStringLiteral("wrold")));
+        const int link = int(all.indexOf(QStringLiteral("www.")));
+        const int second = int(all.indexOf(QStringLiteral("lnie")));
+        int start = -1;
+        int end = -1;
+        QString attributes = text->attributes(word + 2, &start, &end);
+        QVERIFY2(attributes.split(QLatin1Char(';')).contains(QStringLiteral("invalid:spelling")), qPrintable(attributes));
+        QCOMPARE(std::pair(start, end), std::pair(word, word + 5));
+        attributes = text->attributes(0, &start, &end);
+        QVERIFY2(!attributes.contains(QStringLiteral("invalid")), qPrintable(attributes));
+        QVERIFY(attributes.contains(QStringLiteral("font-weight:normal")));
+        QCOMPARE(std::pair(start, end), std::pair(0, word));
+        text->attributes(word + 5, &start, &end);
+        QCOMPARE(std::pair(start, end), std::pair(word + 5, link));
+        attributes = text->attributes(link + 3, &start, &end);
+        QVERIFY2(attributes.contains(QStringLiteral("link:")), qPrintable(attributes));
+        QVERIFY(!attributes.contains(QStringLiteral("invalid")));
+        QCOMPARE(std::pair(start, end), std::pair(link, link + 15));
+        attributes = text->attributes(second, &start, &end);
+        QVERIFY(attributes.contains(QStringLiteral("invalid:spelling")));
+        QCOMPARE(std::pair(start, end), std::pair(second, second + 4));
+        // The paragraph mark is a run of its own; offsets out of range have no attributes.
+        text->attributes(int(all.indexOf(QLatin1Char('\n'))), &start, &end);
+        QVERIFY(end > start);
+        QCOMPARE(text->attributes(-1, &start, &end), QString());
+        QCOMPARE(text->attributes(int(all.size()), &start, &end), QString());
+        QCOMPARE(start, end);
+        QCOMPARE(text->textAtOffset(word + 1, QAccessible::WordBoundary, &start, &end), QStringLiteral("wrold"));
+
+        // Caret, selection and geometry, both ways.
+        text->setCursorPosition(word);
+        QCOMPARE(control.SelStart(), word);
+        QCOMPARE(text->cursorPosition(), word);
+        QCOMPARE(iface->text(QAccessible::Description), QStringLiteral("Misspelt word: wrold"));
+        text->setSelection(0, word, word + 5);
+        QCOMPARE(control.SelText(), QStringLiteral("wrold"));
+        QCOMPARE(text->selectionCount(), 1);
+        text->selection(0, &start, &end);
+        QCOMPARE(std::pair(start, end), std::pair(word, word + 5));
+        text->removeSelection(0);
+        QCOMPARE(control.SelLength(), 0);
+        QCOMPARE(text->selectionCount(), 0);
+        const QRect place = text->characterRect(word + 1);
+        QVERIFY(place.width() > 0 && place.height() > 0);
+        QCOMPARE(text->offsetAtPoint(QPoint(place.left() + place.width() / 4, place.center().y())), word + 1);
+
+        // Editing through it: undoable, within the maximum length, not while locked.
+        QAccessibleEditableTextInterface *editable = iface->editableTextInterface();
+        QVERIFY(editable);
+        editable->replaceText(word, word + 5, QStringLiteral("world"));
+        QCOMPARE(control.Text().mid(word, 5), QStringLiteral("world"));
+        QVERIFY(control.CanUndo());
+        control.Undo();
+        QCOMPARE(control.Text(), all);
+        control.setMaxLength(int(all.size()) + 2);
+        editable->insertText(0, QStringLiteral("xyz123"));
+        QCOMPARE(control.Text(), QStringLiteral("xy") + all);
+        control.setMaxLength(0);
+        control.setLocked(true);
+        editable->deleteText(0, 2);
+        QCOMPARE(control.Text(), QStringLiteral("xy") + all);
     }
 
     void popupMenuItemsAnnounceThemselves()

@@ -1,5 +1,6 @@
 #include "surface/qteditorsurface.h"
 
+#include "surface/editoraccessible.h"
 #include "surface/formatmapping.h"
 #include "surface/qteditorsurface_p.h"
 #include "surface/rtf/rtfreader.h"
@@ -113,6 +114,10 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     QTextDocument *doc = m_edit->document();
     doc->setUndoRedoEnabled(true);
     m_edit->setAccessibleName(tr("Rich text editor"));
+    EditorAccessible::installFactory();
+    m_edit->setMisspeltStretch([this](int position, int limit, int *start, int *end) {
+        return misspeltStretch(position, limit, start, end);
+    });
     connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
     connect(doc, &QTextDocument::contentsChanged, this, [this] {
         // Painted links follow the text's formats, so in a dark palette every change counts.

@@ -187,6 +187,8 @@ private:
     void applyDecorations(bool findView = true);
     /// Moves the decoration spans for an edit; spans the edit touched are dropped.
     void moveDecorations(int position, int removed, int added);
+    /// See `SurfaceTextEdit::MisspeltStretch`: read from the misspelling decoration.
+    bool misspeltStretch(int position, int limit, int *start, int *end) const;
     /// True when links are painted in the palette's link colour (a dark palette).
     bool paintsLinks() const;
     /// True when anything is painted over the text: a decoration layer or the links.

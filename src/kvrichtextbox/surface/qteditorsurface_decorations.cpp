@@ -74,6 +74,22 @@ QList<EditorSurface::TextSpan> linkRuns(const QTextDocument *document, int first
 
 } // namespace
 
+bool QtEditorSurface::misspeltStretch(int position, int limit, int *start, int *end) const
+{
+    const QList<TextSpan> spans = m_decorations.value(int(DecorationLayer::Misspelling));
+    // The first word that ends after the position.
+    const auto next = std::upper_bound(spans.cbegin(), spans.cend(), position,
+                                       [](int at, const TextSpan &span) { return at < span.end(); });
+    if (next != spans.cend() && next->start <= position) {
+        *start = next->start;
+        *end = next->end();
+        return true;
+    }
+    *start = next == spans.cbegin() ? 0 : (next - 1)->end();
+    *end = next == spans.cend() ? limit : next->start;
+    return false;
+}
+
 bool QtEditorSurface::paintsLinks() const
 {
     return m_edit && isDarkPalette(m_edit->palette());

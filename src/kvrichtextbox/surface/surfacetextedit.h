@@ -2,6 +2,8 @@
 
 #include <QTextEdit>
 
+#include <functional>
+
 namespace kvrtb {
 
 class SurfaceListener;
@@ -18,6 +20,13 @@ public:
     void setListener(SurfaceListener *listener) { m_listener = listener; }
     void setMaxLength(int length) { m_maxLength = length; }
     int maxLength() const { return m_maxLength; }
+
+    /// Finds the stretch [start, end) around \a position that is one word marked misspelt
+    /// (returns true) or the gap between two marked words (returns false; the gap after the
+    /// last one ends at \a limit). Read by assistive technology (editoraccessible.h).
+    using MisspeltStretch = std::function<bool(int position, int limit, int *start, int *end)>;
+    void setMisspeltStretch(MisspeltStretch query) { m_misspeltStretch = std::move(query); }
+    const MisspeltStretch &misspeltStretch() const { return m_misspeltStretch; }
 
 signals:
     /// Emitted when the viewport's width changes (lines re-wrap).
@@ -43,12 +52,15 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
     void insertFromMimeData(const QMimeData *source) override;
 
-private:
+public:
     /// How many characters may still be inserted in place of the selection (-1 = no limit).
     int roomLeft() const;
 
+private:
+
     SurfaceListener *m_listener = nullptr;
     int m_maxLength = 0;
+    MisspeltStretch m_misspeltStretch;
 };
 
 } // namespace kvrtb

@@ -20,10 +20,20 @@ void Reader::openGroup()
     next.destRoot = false;
     next.star = false;
     next.opensField = false;
+    next.opensObject = false;
     next.keep = false;
     next.start = m_p - 1;
     if (next.dest == Dest::Upr)
         next.dest = Dest::Ignore;
+    if (next.dest == Dest::StyleSheet) {
+        // A style's definition: its formats start from the defaults.
+        next.dest = Dest::Style;
+        next.destRoot = true;
+        next.ch = CharState();
+        next.para = ParaState();
+        m_styleNumber = 0;
+        m_styleIsCharacter = false;
+    }
     m_stack.push_back(std::move(next));
 }
 
@@ -54,7 +64,8 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::KvLink || word == Word::NestTableProps
                                       || word == Word::Footnote || word == Word::Annotation
                                       || word == Word::AtnId || word == Word::AtnAuthor
-                                      || word == Word::ShpInst || word == Word::ShpTxt;
+                                      || word == Word::ShpInst || word == Word::ShpTxt
+                                      || word == Word::BkmkStart || word == Word::BkmkEnd || word == Word::Cs;
         if (!knownDestination) {
             skipAndKeep(state);
             return;
@@ -82,10 +93,15 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     // Words that change which code page decodes the next bytes end the bytes gathered so far.
     if (!m_bytes.isEmpty())
         flushBytes();
-    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::BrdrNone)) {
+    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::ClDiagonal)) {
         tableWord(word, name, hasParam, param);
         return;
     }
+    // Border words belong to the cell or row border last named, else to the paragraph's.
+    if ((word == Word::BrdrStyle || word == Word::BrdrW || word == Word::BrdrCf) && tableBorderWord(word, name, param))
+        return;
+    if (word >= Word::BrdrT && word <= Word::BrdrOther)
+        (state.nestedTableProps ? m_nestedDef : m_rowDef).borderTarget = -1;
     const int value = hasParam ? param : 1;
     CharState &ch = state.ch;
     ParaState &para = state.para;
@@ -209,9 +225,12 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::KvBulletIndent: para.bulletIndent = param; break;
     case Word::Tx:
         if (para.tabs.size() < 64 && param >= 0) {
-            para.tabs.append(param);
-            std::sort(para.tabs.begin(), para.tabs.end());
+            // In order of position, each with the kind and leader words given before it.
+            const qsizetype at = std::upper_bound(para.tabs.begin(), para.tabs.end(), param) - para.tabs.begin();
+            para.tabs.insert(at, param);
+            para.tabKinds.insert(at, para.nextTabKind);
         }
+        para.nextTabKind = 0;
         break;
     case Word::Intbl: para.intbl = true; break;
     case Word::Ls:
@@ -255,6 +274,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Column:
         if (dest == Dest::Text)
             pageBreak(word != Word::Column);
+        m_pastFirstSection = m_pastFirstSection || word == Word::Sect;
         break;
     case Word::SbkNone:
         // A section that continues on the same page (or column): its \sect broke no page.
@@ -338,6 +358,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::PicScaleX: if (dest == Dest::Pict) m_picture.scaleX = param; break;
     case Word::PicScaleY: if (dest == Dest::Pict) m_picture.scaleY = param; break;
     default:
+        formatWord(word, name, hasParam, param);
         break;
     }
 }

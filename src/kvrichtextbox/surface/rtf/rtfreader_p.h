@@ -10,12 +10,15 @@
 
 #include "surface/formatmapping.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfformats.h"
 
 #include <QByteArray>
 #include <QHash>
 #include <QPointer>
 #include <QList>
 #include <QString>
+#include <QStringList>
+#include <QTextBlockFormat>
 #include <QTextCharFormat>
 
 #include <cstring>
@@ -58,6 +61,9 @@ enum class Dest : quint8 {
     AtnAuthor,    // an annotation's author name
     ShapeName,    // the name of a shape property (\sn)
     Ignore,       // text ignored, control words still read (\field, \object shells)
+    StyleSheet,   // the stylesheet: each group in it defines a style
+    Style,        // one style's definition: its formats are read as a group's state
+    Bookmark,     // the name of a bookmark's start or end
 };
 
 enum class Word : quint16 {
@@ -66,7 +72,7 @@ enum class Word : quint16 {
     Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
     PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
     ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, Footnote, Annotation, AtnId, AtnAuthor,
-    ShpInst, ShpTxt, ShpRslt, Sp, Sn, Sv, SkipDest,
+    ShpInst, ShpTxt, ShpRslt, Sp, Sn, Sv, StyleSheet, BkmkStart, BkmkEnd, SkipDest,
     // document
     Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
     // font table
@@ -77,6 +83,13 @@ enum class Word : quint16 {
     Plain, B, I, Ul, UlD, UlDash, UlDashD, UlDashDD, UlWave, UlNone, Strike, StrikeD, Cf, Cb,
     Highlight, ChCbPat, Fs, Super, Sub, NoSuperSub, Up, Dn, Protect, Lang, V, KvOffset,
     Ab, Ai, Af, Afs, RtlCh, LtrCh, HiCh, DbCh, LoCh, RtlPar, LtrPar,
+    Caps, Scaps, Outl, Shad, Expnd, ExpndTw, S, Cs,
+    // tab kinds and leaders, paragraph borders and shading
+    Tqr, Tqc, Tqdec, TlDot, TlMdot, TlHyph, TlUl, TlTh, TlEq, BrdrT, BrdrB, BrdrL, BrdrR, Box, BrdrBtw,
+    BrdrOther, BrdrStyle, BrdrW, BrdrCf, BrSp, Shading, CfPat, CbPat,
+    // page setup
+    PaperW, PaperH, MargL, MargR, MargT, MargB, Landscape, PgWSxn, PgHSxn, MargLSxn, MargRSxn,
+    MargTSxn, MargBSxn, LndscpSxn,
     // paragraphs
     Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
@@ -84,7 +97,7 @@ enum class Word : quint16 {
     Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
     ClPadL, ClPadT, ClPadB, ClPadR, ClPadFL, ClPadFT, ClPadFB, ClPadFR, ClVertAlT, ClVertAlC, ClVertAlB,
     ClCbPat, ClCfPat, ClShdng, ClBrdrT, ClBrdrL, ClBrdrB, ClBrdrR, TrBrdrT, TrBrdrL, TrBrdrB, TrBrdrR,
-    TrBrdrH, TrBrdrV, ClDiagonal, BrdrW, BrdrCf, BrdrStyle, BrdrNone,
+    TrBrdrH, TrBrdrV, ClDiagonal,
     // legacy numbering
     PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
     PnIndent,
@@ -114,6 +127,7 @@ struct CharState {
     qint32 offset = 0;     // twips
     qint32 lang = 0;
     qint32 link = -1;      // index of the hyperlink field the text belongs to
+    qint32 object = -1;    // index of the embedded object whose result the text is
     qint32 noteId = 0;     // the note this reference or note mark belongs to
     qint32 noteMark = 0;   // an automatically numbered note reference or mark
     // Properties of right-to-left and complex-script text (\ab, \ai, \af, \afs), -1 or 0
@@ -123,6 +137,12 @@ struct CharState {
     qint32 aFont = -1;
     qint32 aHalfPoints = 0;
     qint32 afForRanges = 0; // \af follows \hich, \dbch or \loch: a font of a character range
+    qint32 caps = 0;
+    qint32 smallCaps = 0;
+    qint32 outline = 0;
+    qint32 shadow = 0;
+    qint32 expand = 0;     // letter spacing, twips
+    qint32 field = -1;     // index of the field (other than a link) whose result the text is
 
     bool operator==(const CharState &o) const { return std::memcmp(this, &o, sizeof(CharState)) == 0; }
     bool operator!=(const CharState &o) const { return !(*this == o); }
@@ -145,6 +165,14 @@ struct PnState {
     }
 };
 
+// One side of a paragraph's border as read: style is an index of borderStyleWords() (-1 none).
+struct BorderState {
+    qint32 style = -1;
+    qint32 width = 0;
+    qint32 colour = 0; // colour table index, 0 = automatic
+    qint32 space = 0;
+};
+
 struct ParaState {
     qint32 align = 0; // ParaAlignment
     qint32 li = 0;
@@ -164,6 +192,13 @@ struct ParaState {
     qint32 ilvl = 0;
     PnState pn;
     QList<int> tabs;
+    QList<int> tabKinds;   // per tab stop: QTextOption::TabType | TabLeader << 8
+    qint32 nextTabKind = 0; // the kind and leader words given before the next \tx
+    BorderState borders[5]; // BorderSide order
+    qint32 borderSide = -1; // the side the border words describe: BorderSide, 5 = all four, -1 none
+    qint32 shading = 0;     // hundredths of a percent
+    qint32 patternColour = -1;
+    qint32 fillColour = -1;
 };
 
 struct GroupState {
@@ -174,10 +209,17 @@ struct GroupState {
     bool destRoot = false; // this group opened its destination
     bool star = false;     // "\*" seen at the group's start
     bool opensField = false; // this group is a \field
+    bool opensObject = false; // this group is an \object
     bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
     int codePage = 1252;   // code page of the current font
     bool keep = false;     // a skipped group kept to be written back (rtfkept.h)
     const char *start = nullptr; // the group's "{"
+};
+
+// A style of the stylesheet: the formats it gives.
+struct StyleDef {
+    CharState ch;
+    ParaState para;
 };
 
 struct FontEntry {
@@ -347,6 +389,20 @@ private:
     void beginNote(int kind);
     void insertPendingNotes();
 
+    // formats, styles, bookmarks and page setup (rtfreader_formats.cpp)
+    void formatWord(Word word, std::string_view name, bool hasParam, int param);
+    void openFormatDestination(Word word);
+    void finishFormatDestination(const GroupState &closing);
+    void addFormatProperties(QTextCharFormat &qt, const CharState &state) const;
+    void applyParagraphFormats(QTextBlockFormat &qt, const ParaState &para) const;
+    void applyStyle(const StyleDef &style, bool paragraph);
+    void keepGroupBytes(const GroupState &closing);
+    void attachToPreviousCharacter(int property, const QString &name);
+    // Bookmark starts not yet placed at the run's first character, at the end of the paragraph.
+    void placeParagraphEndBookmarks();
+    void storePageSetup();
+    Colour colourAt(int index) const;
+
     // tables (rtfreader_tables.cpp, rtfreader_tablelayout.cpp)
     // The table depth of the paragraph being read (\intbl, \itap).
     int paragraphTableDepth() const;
@@ -357,6 +413,9 @@ private:
     void endRow(bool nested);
     void leaveTable();
     void tableWord(Word word, std::string_view name, bool hasParam, int param);
+    // The border style, width and colour words when they describe a cell's or row's border
+    // (after \clbrdrt and the like); false when they are not the table's.
+    bool tableBorderWord(Word word, std::string_view name, int param);
     CellBorder *borderTarget(RowDef &def);
     // Builds the table's grid from its rows' cell boundaries and gives it its widths, spans,
     // borders, shading, padding and alignment.
@@ -385,6 +444,8 @@ private:
     int m_red = -1, m_green = -1, m_blue = -1;
 
     std::vector<FieldEntry> m_fields;
+    std::vector<QByteArray> m_objects; // embedded objects' groups up to their results (rtfkept.h)
+    bool m_objectShown = false;        // the \object being read has a result
     std::vector<int> m_fieldOfGroup; // field index of each open \field group (stack)
 
     PnState m_pnBuild;
@@ -427,6 +488,21 @@ private:
 
     QString m_shapeProperty; // the name of the shape property being read
     bool m_shapePicture = false; // the shape being read is a picture frame
+
+    // stylesheet
+    QHash<int, StyleDef> m_paragraphStyles;
+    QHash<int, StyleDef> m_characterStyles;
+    int m_styleNumber = 0;
+    bool m_styleIsCharacter = false;
+    // bookmarks: starts waiting for the character they come before, with their groups' bytes
+    QStringList m_pendingBookmarks;
+    QList<QByteArray> m_pendingBookmarkBytes; // each start's group, for the paragraph's kept groups
+    bool m_bookmarkIsEnd = false;       // the bookmark group being read is an end
+    QStringList m_runBookmarks; // starts placed at the first character of the pending run
+    // page setup as read from the document (PageSetupField order) and from its first section
+    int m_pageSetup[PageSetupFields] = {};
+    int m_sectionPageSetup[PageSetupFields] = {};
+    bool m_pastFirstSection = false;
 
     // groups kept to be written back (rtfkept.h)
     QByteArray m_keptDocument;

@@ -111,6 +111,7 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    applyParagraphFormats(qt, para);
     if (para.rtl)
         qt.setLayoutDirection(Qt::RightToLeft);
     if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty())
@@ -122,7 +123,7 @@ void Reader::applyParagraph(const ParaState &para)
     // List paragraphs show the markers the surface draws; those that give their own indent
     // show their text there, the marker hanging in the first line's indent (their lists add
     // no indent of their own).
-    const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
+    const bool listParagraph = m_tables.empty() && (para.ls > 0 || para.pn.numbering != 0);
     const bool ownIndents = listParagraph && para.li > 0;
     if (listParagraph) {
         listmarkers::setDrawnBySurface(qt);
@@ -221,6 +222,7 @@ void Reader::pageBreak(bool page)
 void Reader::endParagraph(bool insertBreak)
 {
     flushText();
+    placeParagraphEndBookmarks();
     ensureTableState();
     applyParagraph(top().para);
     if (!m_inNote)

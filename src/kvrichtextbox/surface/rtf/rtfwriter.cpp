@@ -184,6 +184,7 @@ QByteArray Writer::run()
     const QByteArray kept = m_doc.rootFrame()->frameFormat().property(KeptDocumentGroups).toByteArray();
     if (!kept.isEmpty() && m_start == 0)
         head += kept + '\n';
+    head += pageSetup();
     return head + body + "}\n";
 }
 

@@ -6,6 +6,7 @@
 #include "surface/formatmapping.h"
 #include "surface/listmarkers.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfformats.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
@@ -43,6 +44,19 @@ struct RunProps {
     int script = 0;
     int offset = 0;
     int lang = 0;
+    int caps = 0; // QFont::Capitalization: all capitals or small capitals
+    bool outline = false;
+    bool shadow = false;
+    int expand = 0; // letter spacing, twips
+};
+
+// The field and bookmarks a character format carries (rtfformats.h).
+struct FormatMarks {
+    QString fieldInstruction;
+    int fieldId = 0;
+    QStringList startsBefore; // bookmarks that start at the run's first character
+    QStringList startsAfter;  // bookmarks that start after its last
+    QStringList ends;         // bookmarks that end after its last
 };
 
 class Writer {
@@ -67,6 +81,12 @@ private:
     bool writeWithinCell(const QTextTable *table);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
+    void writeTabsBordersAndShading(const QTextBlockFormat &format, const QList<int> &tabStops);
+    void writeCharEffects(const RunProps &next);
+    void writeBookmarks(const char *kind, const QStringList &names);
+    QByteArray pageSetup() const;
+    /// The marks of \a format, worked out once per \a formatIndex (the document's index of it).
+    const FormatMarks &marksOf(const QTextCharFormat &format, int formatIndex);
     void writeFragmentText(const QString &text);
     /// Writes the differences from the run before; \a formatIndex (the document's index of
     /// \a format, or -1) lets the properties of a format be worked out once.
@@ -95,10 +115,12 @@ private:
     int m_tableDepth = 0;       // the depth of the table whose cells are being written
     RunProps m_props;
     std::vector<std::optional<RunProps>> m_runPropsByFormat; // by the document's format index
+    std::vector<std::optional<FormatMarks>> m_marksByFormat;
     // The paragraphs of each note whose reference is written, by note id.
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;
     QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
+    QByteArray m_objectAtParagraphEnd; // the object whose result the last paragraph ended in
     ListTableBuilder m_listTable;
     bool m_inNote = false;
     QStringList m_fonts;

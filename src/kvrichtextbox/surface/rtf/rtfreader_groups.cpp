@@ -93,15 +93,16 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     // Words that change which code page decodes the next bytes end the bytes gathered so far.
     if (!m_bytes.isEmpty())
         flushBytes();
-    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::ClDiagonal)) {
+    // Border details (\brdrw, \brdrcf, a style word) describe the border named last: a cell's or
+    // row's (\clbrdrt, \trbrdrl ...) or the paragraph's (\brdrt, \box ...).
+    if (word >= Word::ClBrdrT && word <= Word::ClDiagonal)
+        state.para.borderSide = -1;
+    const bool borderDetail = word == Word::BrdrW || word == Word::BrdrCf || word == Word::BrdrStyle;
+    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::ClDiagonal)
+        || (borderDetail && state.para.borderSide == -1)) {
         tableWord(word, name, hasParam, param);
         return;
     }
-    // Border words belong to the cell or row border last named, else to the paragraph's.
-    if ((word == Word::BrdrStyle || word == Word::BrdrW || word == Word::BrdrCf) && tableBorderWord(word, name, param))
-        return;
-    if (word >= Word::BrdrT && word <= Word::BrdrOther)
-        (state.nestedTableProps ? m_nestedDef : m_rowDef).borderTarget = -1;
     const int value = hasParam ? param : 1;
     CharState &ch = state.ch;
     ParaState &para = state.para;

@@ -413,9 +413,6 @@ private:
     void endRow(bool nested);
     void leaveTable();
     void tableWord(Word word, std::string_view name, bool hasParam, int param);
-    // The border style, width and colour words when they describe a cell's or row's border
-    // (after \clbrdrt and the like); false when they are not the table's.
-    bool tableBorderWord(Word word, std::string_view name, int param);
     CellBorder *borderTarget(RowDef &def);
     // Builds the table's grid from its rows' cell boundaries and gives it its widths, spans,
     // borders, shading, padding and alignment.

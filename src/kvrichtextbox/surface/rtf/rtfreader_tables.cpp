@@ -220,23 +220,6 @@ CellBorder *Reader::borderTarget(RowDef &def)
     return &def.borders[def.borderTarget - 4];
 }
 
-bool Reader::tableBorderWord(Word word, std::string_view name, int param)
-{
-    CellBorder *border = borderTarget(top().nestedTableProps ? m_nestedDef : m_rowDef);
-    if (!border)
-        return false;
-    if (word == Word::BrdrW) {
-        border->width = qint16(std::clamp(param, 0, 1000));
-    } else if (word == Word::BrdrCf) {
-        border->colour = std::max(0, param);
-    } else {
-        const qint8 style = borderStyleOf(name);
-        if (style >= 0)
-            border->style = style;
-    }
-    return true;
-}
-
 void Reader::tableWord(Word word, std::string_view name, bool hasParam, int param)
 {
     GroupState &state = top();
@@ -246,8 +229,6 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
     }
     RowDef &def = state.nestedTableProps ? m_nestedDef : m_rowDef;
     CellDef &cell = def.pending;
-    if (word >= Word::ClBrdrT && word <= Word::ClDiagonal)
-        state.para.borderSide = -1; // the paragraph's border words are over
     const int twips = std::clamp(param, -31680, 31680);
     switch (word) {
     case Word::TrowD: def = RowDef(); break;
@@ -305,6 +286,21 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
     case Word::TrBrdrV: def.borderTarget = 4 + SideInsideV; break;
     case Word::ClDiagonal:
         def.borderTarget = -1; // a diagonal line, which Qt cannot draw: its border words are dropped
+        break;
+    case Word::BrdrW:
+        if (CellBorder *border = borderTarget(def))
+            border->width = qint16(std::clamp(param, 0, 1000));
+        break;
+    case Word::BrdrCf:
+        if (CellBorder *border = borderTarget(def))
+            border->colour = std::max(0, param);
+        break;
+    case Word::BrdrStyle:
+        if (CellBorder *border = borderTarget(def)) {
+            const qint8 style = borderStyleOf(name);
+            if (style >= 0)
+                border->style = style;
+        }
         break;
     default:
         break;

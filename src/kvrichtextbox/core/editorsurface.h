@@ -231,6 +231,19 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief A run of characters that takes one text colour (0x00BBGGRR or a system colour).
+    struct ColourRun {
+        int start = 0;
+        int length = 0;
+        Colour colour = 0;
+    };
+    /// Recolours a range in one edit (one undo step, one relayout): the set fields of \a base go
+    /// over [start, start + length) (length -1 = to the end), then each run sets its colour, in
+    /// list order (a later run wins where runs overlap). The result is that of `applyCharFormats`
+    /// with \a base as the first span and one colour-only span per run, but much cheaper for tens
+    /// of thousands of runs: it is how a whole source file is coloured at once. The selection
+    /// does not move.
+    virtual void applyColourRuns(int start, int length, const CharFormat &base, const QList<ColourRun> &runs) = 0;
     /// \brief A same-length rewrite: the characters from `start` become those of `text`.
     struct TextRewrite {
         int start = 0;

@@ -486,29 +486,6 @@ void QtEditorSurface::setDocumentCharFormat(const CharFormat &change)
     setRangeCharFormat(0, -1, change);
 }
 
-void QtEditorSurface::applyCharFormats(const QList<FormatSpan> &spans)
-{
-    QTextDocument *doc = document();
-    // A large batch touches blocks all over the document. Qt would lay out the whole changed
-    // range at once when the edit closes; with the page size withdrawn for the batch, the
-    // layout starts over lazily instead: the visible part at once, the rest when idle.
-    const bool relayoutLazily = spans.size() >= 256;
-    const QSizeF pageSize = doc->pageSize();
-    if (relayoutLazily)
-        doc->setPageSize(QSizeF());
-    QTextCursor batch(doc);
-    batch.beginEditBlock();
-    for (const FormatSpan &span : spans) {
-        QTextCursor range = rangeCursor(span.start, span.length);
-        if (range.hasSelection())
-            format::applyCharFormat(range, span.format);
-    }
-    batch.endEditBlock();
-    if (relayoutLazily)
-        doc->setPageSize(pageSize);
-    markLinesDirty();
-}
-
 // --- Paragraph format -----------------------------------------------------------------------
 
 ParaFormat QtEditorSurface::selectionParaFormat() const

@@ -55,6 +55,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void applyColourRuns(int start, int length, const CharFormat &base, const QList<ColourRun> &runs) override;
     void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
     void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;

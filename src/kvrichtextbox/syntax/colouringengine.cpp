@@ -146,9 +146,9 @@ void ColouringEngine::makeCanonical(const Match &match)
     }
 }
 
-QList<EditorSurface::FormatSpan> ColouringEngine::colourSpans(int offset) const
+QList<EditorSurface::ColourRun> ColouringEngine::colourRuns(int offset) const
 {
-    QList<EditorSurface::FormatSpan> spans;
+    QList<EditorSurface::ColourRun> runs;
     const int size = int(m_colour.size());
     int i = 0;
     while (i < size) {
@@ -156,16 +156,11 @@ QList<EditorSurface::FormatSpan> ColouringEngine::colourSpans(int offset) const
         int end = i + 1;
         while (end < size && m_colour[size_t(end)] == colour)
             ++end;
-        if (colour != 0) {
-            spans.emplace_back();
-            EditorSurface::FormatSpan &span = spans.back();
-            span.start = offset + i;
-            span.length = end - i;
-            span.format.color = colour;
-        }
+        if (colour != 0)
+            runs.append({offset + i, end - i, colour});
         i = end;
     }
-    return spans;
+    return runs;
 }
 
 QList<EditorSurface::TextRewrite> ColouringEngine::rewrites(int offset) const

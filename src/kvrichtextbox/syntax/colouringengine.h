@@ -25,7 +25,7 @@ namespace kvrtb {
 /// comment-coloured, a keyword inside a comment or a string is left alone.
 ///
 /// The caller drives the walk (`handleNext`), which lets it yield, report progress and stop
-/// between matches; then it takes the result as format spans and text rewrites and applies
+/// between matches; then it takes the result as colour runs and text rewrites and applies
 /// them to the surface in one batch. The text is assumed to be freshly reset to black (the
 /// colouring run sets colour 0 over the whole subject before the passes).
 ///
@@ -33,7 +33,7 @@ namespace kvrtb {
 /// ColouringEngine engine(text, rules);
 /// while (!engine.atEnd())
 ///     engine.handleNext();
-/// surface.applyCharFormats(engine.colourSpans(0));
+/// surface.applyColourRuns(0, -1, base, engine.colourRuns(0));
 /// surface.rewriteCharacters(engine.rewrites(0));
 /// \endcode
 class ColouringEngine {
@@ -76,9 +76,9 @@ public:
     /// One line per pattern that could not be used.
     const QStringList &warnings() const { return m_warnings; }
 
-    /// The colours the handled matches gave, as spans of equal colour shifted by \a offset.
-    /// Characters still black (colour 0) get no span.
-    QList<EditorSurface::FormatSpan> colourSpans(int offset) const;
+    /// The colours the handled matches gave, as runs of equal colour shifted by \a offset.
+    /// Characters still black (colour 0) get no run.
+    QList<EditorSurface::ColourRun> colourRuns(int offset) const;
     /// The capitalisation changes, as runs of changed characters shifted by \a offset.
     QList<EditorSurface::TextRewrite> rewrites(int offset) const;
     /// The text with the capitalisation changes made so far.

@@ -233,9 +233,7 @@ void Syntax::applyResult(const ColouringEngine &engine, int start, int length, i
         noBullets.numbering = Numbering::None;
         surface.setSelectionParaFormat(noBullets);
     }
-    QList<EditorSurface::FormatSpan> spans = engine.colourSpans(start);
-    spans.prepend({start, length, baseFormat(formatting)});
-    surface.applyCharFormats(spans);
+    surface.applyColourRuns(start, length, baseFormat(formatting), engine.colourRuns(start));
     surface.rewriteCharacters(engine.rewrites(start));
     surface.setSelection(start, 0);
 }

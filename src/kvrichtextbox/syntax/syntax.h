@@ -22,7 +22,7 @@ class ControlCore;
 /// progress (`ProgressPercentage`, `ProgressBar1`); there the host may ask `CanCancelSyntax` or
 /// call `Cancel_Syntax` (or `KillSwitch`), and user input that arrived during the yield makes
 /// the walk pass over the next match uncoloured. Only a walk that ran to its end is applied: the
-/// spans and capitalisation changes go to the surface as one batch inside one display freeze.
+/// colour runs and capitalisation changes go to the surface as one batch inside one display freeze.
 /// So a cancelled run changes nothing at all, which is exactly the document as it was; the
 /// snapshot taken at the start stays in the undo slot.
 ///

@@ -92,6 +92,19 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     // Words that change which code page decodes the next bytes end the bytes gathered so far.
     if (!m_bytes.isEmpty())
         flushBytes();
+    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::BrdrNone)) {
+        // Border words describe the paragraph's border after \brdrt and the like, a cell's or
+        // row's after \clbrdrt or \trbrdrt.
+        const bool borderWord = word == Word::BrdrW || word == Word::BrdrCf || word == Word::BrdrStyle || word == Word::BrdrNone;
+        if (borderWord && state.para.borderSide >= 0) {
+            formatWord(word, name, hasParam, param);
+            return;
+        }
+        if (word >= Word::ClBrdrT && word <= Word::TrBrdrV)
+            state.para.borderSide = -1;
+        tableWord(word, name, hasParam, param);
+        return;
+    }
     const int value = hasParam ? param : 1;
     CharState &ch = state.ch;
     ParaState &para = state.para;
@@ -201,25 +214,6 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         para = ParaState();
         m_bodyStarted = m_bodyStarted || dest == Dest::Text;
         break;
-    case Word::TrowD:
-        if (!state.nestedTableProps) {
-            m_rowCellCount = 0;
-            m_rowDef = RowDef();
-        }
-        break;
-    case Word::CellX:
-        if (!state.nestedTableProps) {
-            ++m_rowCellCount;
-            if (m_rowDef.cells.size() < 4096)
-                m_rowDef.cells.push_back(CellDef{param, m_rowDef.pendingMerge});
-            m_rowDef.pendingMerge = 0;
-        }
-        break;
-    case Word::TrLeft: if (!state.nestedTableProps) m_rowDef.left = param; break;
-    case Word::ClMgf: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeFirst; break;
-    case Word::ClMrg: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeContinue; break;
-    case Word::ClVmgf: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeDownFirst; break;
-    case Word::ClVmrg: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeDownContinue; break;
     case Word::Ql: para.align = int(ParaAlignment::Left); break;
     case Word::Qc: para.align = int(ParaAlignment::Center); break;
     case Word::Qr: para.align = int(ParaAlignment::Right); break;
@@ -294,8 +288,12 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::PageBb: para.pageBreakBefore = value != 0; break;
     case Word::NestCell:
     case Word::NestRow:
-        if (dest == Dest::Text && m_table)
+        if (dest == Dest::Text && m_inNote)
             endParagraph(true);
+        else if (dest == Dest::Text && word == Word::NestCell)
+            endCell(true);
+        else if (dest == Dest::Text)
+            endRow(true);
         break;
     case Word::Line: if (dest == Dest::Text) addChar(QChar::LineSeparator); break;
     case Word::Tab: addChar('\t'); break;
@@ -305,9 +303,9 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         if (dest == Dest::Text && m_inNote)
             endParagraph(true);
         else if (dest == Dest::Text && word == Word::Cell)
-            endCell();
+            endCell(false);
         else if (dest == Dest::Text)
-            endRow();
+            endRow(false);
         break;
     case Word::ChFtn:
     case Word::ChAtn:

@@ -37,6 +37,8 @@ namespace kvrtb::rtf::detail {
 // bound.
 constexpr int kMaxDepth = 10000;
 constexpr int kMaxUnicodeSkip = 16;
+// Tables nested deeper than this are read as part of the deepest one allowed.
+constexpr int kMaxTableDepth = 32;
 
 enum class Dest : quint8 {
     Text,         // document text
@@ -84,13 +86,18 @@ enum class Word : quint16 {
     Caps, Scaps, Outl, Shad, Expnd, ExpndTw, S, Cs,
     // tab kinds and leaders, paragraph borders and shading
     Tqr, Tqc, Tqdec, TlDot, TlMdot, TlHyph, TlUl, TlTh, TlEq, BrdrT, BrdrB, BrdrL, BrdrR, Box, BrdrBtw,
-    BrdrOther, BrdrStyle, BrdrW, BrdrCf, BrSp, Shading, CfPat, CbPat,
+    BrdrOther, BrSp, Shading, CfPat, CbPat,
     // page setup
     PaperW, PaperH, MargL, MargR, MargT, MargB, Landscape, PgWSxn, PgHSxn, MargLSxn, MargRSxn,
     MargTSxn, MargBSxn, LndscpSxn,
     // paragraphs
     Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
+    // table rows and cells: borders, shading, padding, alignment, nesting
+    Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
+    ClPadL, ClPadT, ClPadB, ClPadR, ClPadFL, ClPadFT, ClPadFB, ClPadFR, ClVertAlT, ClVertAlC, ClVertAlB,
+    ClCbPat, ClCfPat, ClShdng, ClBrdrT, ClBrdrL, ClBrdrB, ClBrdrR, TrBrdrT, TrBrdrL, TrBrdrB, TrBrdrR,
+    TrBrdrH, TrBrdrV, BrdrW, BrdrCf, BrdrStyle, BrdrNone,
     // legacy numbering
     PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
     PnIndent,
@@ -177,6 +184,7 @@ struct ParaState {
     qint32 ruleOverride = -1;
     qint32 bulletIndent = 0;
     bool intbl = false;
+    qint32 itap = -1;             // \itap: the table nesting depth, -1 when not given
     bool pageBreakBefore = false; // \pagebb
     bool rtl = false;             // \rtlpar
     qint32 ls = 0;
@@ -251,15 +259,48 @@ enum CellMerge : quint8 {
     MergeDownContinue = 8,  // \clvmrg: covered by the cell above
 };
 
+// A border of a cell or row: its width in twips and its style (a QTextFrameFormat::BorderStyle;
+// BorderStyle_None for none), with the colour table index of its colour (0 = automatic).
+struct CellBorder {
+    qint16 width = 0;
+    qint8 style = -1; // -1: not given
+    qint32 colour = 0;
+};
+
+enum CellSide : quint8 { SideTop, SideLeft, SideBottom, SideRight, SideInsideH, SideInsideV };
+
 struct CellDef {
     int right = 0;
     quint8 merge = 0;
+    quint8 vAlign = 0;     // 0 top, 1 centre, 2 bottom
+    qint32 background = 0; // \clcbpat colour index, 0 = none
+    qint32 pattern = 0;    // \clcfpat colour index of the shading's foreground
+    qint32 shading = -1;   // \clshdng in hundredths of a percent, -1 = none
+    qint16 padding[4] = {-1, -1, -1, -1}; // twips by CellSide, -1 = not given
+    CellBorder borders[4];
 };
 
 struct RowDef {
     int left = 0;
+    bool leftGiven = false;
+    int gap = -1;          // \trgaph: half the space between cells, twips
+    quint8 align = 0;      // 0 left, 1 centre, 2 right
+    qint16 padding[4] = {-1, -1, -1, -1};
+    CellBorder borders[6];  // by CellSide
     std::vector<CellDef> cells;
-    quint8 pendingMerge = 0; // merge words seen before the cell's \cellx
+    CellDef pending;       // properties seen before the cell's \cellx
+    qint8 borderTarget = -1; // the border the \brdr words describe: 0..3 the pending cell's, 4..9 the row's
+};
+
+// A table being read: the QTextTable, where the next cell goes, and the definition of each row.
+struct TableBuild {
+    QTextTable *table = nullptr;
+    int row = 0;
+    int column = 0;
+    bool rowEnded = false;
+    bool cellMovePending = false;
+    std::vector<RowDef> rowDefs;   // the definition of each row, set when the row ends
+    std::vector<int> rowCells;     // the number of cells each row was given
 };
 
 // A footnote, endnote or annotation met in a paragraph: its RTF is read when the paragraph ends,
@@ -363,12 +404,20 @@ private:
     void storePageSetup();
     Colour colourAt(int index) const;
 
-    // tables (rtfreader_tables.cpp)
+    // tables (rtfreader_tables.cpp, rtfreader_tablelayout.cpp)
+    // The table depth of the paragraph being read (\intbl, \itap).
+    int paragraphTableDepth() const;
     void ensureTableState();
-    void endCell();
-    void endRow();
+    void enterTableDepth(int depth);
+    void startTable();
+    void endCell(bool nested);
+    void endRow(bool nested);
     void leaveTable();
-    void applyTableLayout(QTextTable *table);
+    void tableWord(Word word, std::string_view name, bool hasParam, int param);
+    CellBorder *borderTarget(RowDef &def);
+    // Builds the table's grid from its rows' cell boundaries and gives it its widths, spans,
+    // borders, shading, padding and alignment.
+    void applyTableLayout(TableBuild &build);
 
     GroupState &top() { return m_stack.back(); }
     const GroupState &top() const { return m_stack.back(); }
@@ -470,15 +519,10 @@ private:
     QPointer<QTextList> m_lastPnList;
     PnState m_lastPn;
 
-    // tables
-    QTextTable *m_table = nullptr;
-    int m_tableRow = 0;
-    int m_tableColumn = 0;
-    bool m_rowEnded = false;
-    bool m_cellMovePending = false;
-    int m_rowCellCount = 0;
-    RowDef m_rowDef;                  // the row definition in effect
-    std::vector<RowDef> m_tableRowDefs; // the definition of each row of the table being read
+    // tables: the open tables, outermost first
+    std::vector<TableBuild> m_tables;
+    RowDef m_rowDef;     // the row definition in effect for the outermost table
+    RowDef m_nestedDef;  // the one last read in \nesttableprops, for nested tables
 };
 
 } // namespace kvrtb::rtf::detail

@@ -79,6 +79,27 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"sl", Word::Sl}, {"slmult", Word::SlMult}, {"tx", Word::Tx}, {"intbl", Word::Intbl},
         {"ls", Word::Ls}, {"ilvl", Word::Ilvl}, {"kvlinerule", Word::KvLineRule},
         {"kvbulletindent", Word::KvBulletIndent},
+        {"itap", Word::Itap}, {"trgaph", Word::TrGaph}, {"trpaddl", Word::TrPaddL}, {"trpaddt", Word::TrPaddT},
+        {"trpaddb", Word::TrPaddB}, {"trpaddr", Word::TrPaddR}, {"trpaddfl", Word::TrPaddFL},
+        {"trpaddft", Word::TrPaddFT}, {"trpaddfb", Word::TrPaddFB}, {"trpaddfr", Word::TrPaddFR},
+        {"trql", Word::TrQl}, {"trqc", Word::TrQc}, {"trqr", Word::TrQr}, {"clpadl", Word::ClPadL},
+        {"clpadt", Word::ClPadT}, {"clpadb", Word::ClPadB}, {"clpadr", Word::ClPadR}, {"clpadfl", Word::ClPadFL},
+        {"clpadft", Word::ClPadFT}, {"clpadfb", Word::ClPadFB}, {"clpadfr", Word::ClPadFR},
+        {"clvertalt", Word::ClVertAlT}, {"clvertalc", Word::ClVertAlC}, {"clvertalb", Word::ClVertAlB},
+        {"clcbpat", Word::ClCbPat}, {"clcfpat", Word::ClCfPat}, {"clshdng", Word::ClShdng},
+        {"clbrdrt", Word::ClBrdrT}, {"clbrdrl", Word::ClBrdrL}, {"clbrdrb", Word::ClBrdrB}, {"clbrdrr", Word::ClBrdrR},
+        {"trbrdrt", Word::TrBrdrT}, {"trbrdrl", Word::TrBrdrL}, {"trbrdrb", Word::TrBrdrB}, {"trbrdrr", Word::TrBrdrR},
+        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf},
+        {"brdrs", Word::BrdrStyle}, {"brdrth", Word::BrdrStyle}, {"brdrsh", Word::BrdrStyle},
+        {"brdrdb", Word::BrdrStyle}, {"brdrdot", Word::BrdrStyle}, {"brdrdash", Word::BrdrStyle},
+        {"brdrdashsm", Word::BrdrStyle}, {"brdrdashd", Word::BrdrStyle}, {"brdrdashdd", Word::BrdrStyle},
+        {"brdrhair", Word::BrdrStyle}, {"brdrtriple", Word::BrdrStyle}, {"brdrwavy", Word::BrdrStyle},
+        {"brdrwavydb", Word::BrdrStyle}, {"brdrinset", Word::BrdrStyle}, {"brdroutset", Word::BrdrStyle},
+        {"brdremboss", Word::BrdrStyle}, {"brdrengrave", Word::BrdrStyle}, {"brdrframe", Word::BrdrStyle},
+        {"brdrnone", Word::BrdrNone}, {"brdrnil", Word::BrdrNone}, {"brdrtbl", Word::BrdrNone},
+        // What readers without nested tables read instead of them: dropped like other
+        // stand-ins for constructs the reader knows.
+        {"nonesttables", Word::NonShpPict},
         {"pnlvlblt", Word::PnLvlBlt}, {"pnlvlbody", Word::PnLvlBody}, {"pnlvlcont", Word::PnLvlCont},
         {"pnlvl", Word::PnLvl}, {"pndec", Word::PnDec}, {"pnucltr", Word::PnUcLtr},
         {"pnlcltr", Word::PnLcLtr}, {"pnucrm", Word::PnUcRm}, {"pnlcrm", Word::PnLcRm},
@@ -108,15 +129,12 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"tqr", Word::Tqr}, {"tqc", Word::Tqc}, {"tqdec", Word::Tqdec}, {"tldot", Word::TlDot},
         {"tlmdot", Word::TlMdot}, {"tlhyph", Word::TlHyph}, {"tlul", Word::TlUl}, {"tlth", Word::TlTh},
         {"tleq", Word::TlEq},
-        // paragraph borders and shading; the border words of other owners end a paragraph's
+        // paragraph borders and shading; the border words of pages and characters end a paragraph's
         {"brdrt", Word::BrdrT}, {"brdrb", Word::BrdrB}, {"brdrl", Word::BrdrL}, {"brdrr", Word::BrdrR},
         {"box", Word::Box}, {"brdrbtw", Word::BrdrBtw}, {"brdrbar", Word::BrdrOther},
-        {"clbrdrt", Word::BrdrOther}, {"clbrdrb", Word::BrdrOther}, {"clbrdrl", Word::BrdrOther},
-        {"clbrdrr", Word::BrdrOther}, {"trbrdrt", Word::BrdrOther}, {"trbrdrb", Word::BrdrOther},
-        {"trbrdrl", Word::BrdrOther}, {"trbrdrr", Word::BrdrOther}, {"trbrdrh", Word::BrdrOther},
-        {"trbrdrv", Word::BrdrOther}, {"chbrdr", Word::BrdrOther}, {"pgbrdrt", Word::BrdrOther},
+        {"chbrdr", Word::BrdrOther}, {"pgbrdrt", Word::BrdrOther},
         {"pgbrdrb", Word::BrdrOther}, {"pgbrdrl", Word::BrdrOther}, {"pgbrdrr", Word::BrdrOther},
-        {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf}, {"brsp", Word::BrSp},
+        {"brsp", Word::BrSp},
         {"shading", Word::Shading}, {"cfpat", Word::CfPat}, {"cbpat", Word::CbPat},
         // page setup
         {"paperw", Word::PaperW}, {"paperh", Word::PaperH}, {"margl", Word::MargL}, {"margr", Word::MargR},
@@ -125,7 +143,8 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"margrsxn", Word::MargRSxn}, {"margtsxn", Word::MargTSxn}, {"margbsxn", Word::MargBSxn},
         {"lndscpsxn", Word::LndscpSxn},
     };
-    // The border styles: one word each, told apart by their place in borderStyleWords().
+    // The border styles of paragraphs: one word each, told apart by their place in
+    // borderStyleWords() (those tables know too are in the list above).
     for (int i = 0; i < borderStyleCount(); ++i)
         table.emplace(borderStyleWords()[i], Word::BrdrStyle);
     return table;
@@ -152,7 +171,7 @@ void Reader::run(const QByteArray &bytes)
         if (m_stack.size() == 1)
             m_documentPara = closing.para;
     }
-    if (m_table)
+    while (!m_tables.empty())
         leaveTable();
     placeParagraphEndBookmarks();
     // The last paragraph keeps its properties; a final \par with nothing after it ends the

@@ -11,6 +11,7 @@
 #include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
+#include "surface/rtf/rtftables.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -71,6 +72,12 @@ public:
 private:
     void writeFrame(const QTextFrame *frame);
     void writeTable(const QTextTable *table);
+    void writeRowDefinition(const QTextTable *table, int row, const std::vector<int> &rights, int left);
+    void writeCellBorders(const QTextTable *table, const QTextTableCellFormat &cell);
+    void writeCell(const QTextTableCell &cell);
+    // True for the empty paragraph Qt keeps before a table at the start of the document or of a
+    // cell: the user did not write it, and other readers would show it.
+    static bool isPlaceholderBeforeTable(const QTextBlock &block, bool tableFollows);
     bool writeWithinCell(const QTextTable *table);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
@@ -105,6 +112,7 @@ private:
     QByteArray m_out;
     bool m_needSpace = false;
     bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
+    int m_tableDepth = 0;       // the depth of the table whose cells are being written
     RunProps m_props;
     std::vector<std::optional<RunProps>> m_runPropsByFormat; // by the document's format index
     std::vector<std::optional<FormatMarks>> m_marksByFormat;

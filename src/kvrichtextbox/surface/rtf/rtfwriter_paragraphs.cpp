@@ -123,13 +123,16 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     // A note goes whole with its reference, even where the range ends before it.
     const int rangeStart = m_inNote ? blockStart : m_start;
     const int rangeEnd = m_inNote ? blockEnd + 1 : m_end;
-    const bool inTable = !m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart));
+    const bool inTable = !m_flattenCell && !m_inNote && m_tableDepth > 0;
     const QTextBlockFormat blockFormat = block.blockFormat();
     if (!inTable && !m_inNote && (blockFormat.pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
         word("page");
     word("pard");
-    if (inTable)
+    if (inTable) {
         word("intbl");
+        if (m_tableDepth > 1)
+            word("itap", m_tableDepth);
+    }
     writeParagraphProperties(block);
     const QByteArray kept = blockFormat.property(KeptParagraphGroups).toByteArray();
     if (!kept.isEmpty() && !m_keptWritten.contains(kept)) {

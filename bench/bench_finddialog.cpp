@@ -92,10 +92,14 @@ int main(int argc, char *argv[])
         total.restart();
         session.findNext();
         const double finding = ms(total);
+        core.surface().setSelStart(core.surface().textLength() / 2);
+        total.restart();
+        session.findPrevious();
+        const double findingBack = ms(total);
         std::printf("%-32s %7d matches: counted in %7.1f ms over %4d turns, longest turn %5.1f ms; "
-                    "%5lld highlighted; find next %.1f ms (%s)\n",
+                    "%5lld highlighted; find next %.1f ms, previous from the middle %.1f ms (%s)\n",
                     c.name, session.matchCount(), counting, turns, longestTurn,
-                    static_cast<long long>(session.highlighted().size()), finding,
+                    static_cast<long long>(session.highlighted().size()), finding, findingBack,
                     qPrintable(session.countText()));
         if (session.matchCount() == 0 || session.highlighted().size() > FindSession::kMaxHighlights)
             status = 1;

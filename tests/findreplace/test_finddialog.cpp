@@ -6,6 +6,7 @@
 #include "findreplace/findsession.h"
 #include "testregistry.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
@@ -75,6 +76,30 @@ private slots:
         click("ReplaceAllButton");
         QCOMPARE(status(), tooComplex);
         QCOMPARE(m_control->Text(), line);
+    }
+
+    void brokenCharactersInTheText()
+    {
+        // A lone surrogate (which pasted or read text can hold) becomes U+FFFD for the search
+        // only; positions stay those of the document and a well-formed pair is kept.
+        const QString text = QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b x ") + QChar(0xD83D)
+            + QChar(0xDE00) + QStringLiteral(" x") + QChar(0xDC00);
+        const QString searchable = FindQuery::searchable(text);
+        QCOMPARE(searchable.size(), text.size());
+        QCOMPARE(searchable.at(1), QChar(QChar::ReplacementCharacter));
+        QCOMPARE(searchable.mid(5, 2), text.mid(5, 2));
+        QCOMPARE(searchable.back(), QChar(QChar::ReplacementCharacter));
+        QVERIFY(QStringView(searchable).isValidUtf16());
+
+        open(text);
+        click("RegexCheck");
+        typeFindText(QStringLiteral("\\bx\\b"));
+        pressEnter();
+        const int first = m_control->Text().indexOf(QLatin1Char('x'));
+        QCOMPARE(selection(), qMakePair(first, 1));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(selection(), qMakePair(int(m_control->Text().lastIndexOf(QLatin1Char('x'))), 1));
+        QTRY_COMPARE(count(), QStringLiteral("2 of 2"));
     }
 
     void regexReplacementsUseGroups()
@@ -160,6 +185,17 @@ private slots:
         QCOMPARE(selection(), qMakePair(12, 3));
         pressEnter();
         QCOMPARE(lastMessage(), QStringLiteral("The text: ''two'' not found after cursor location."));
+
+        // Tab goes through the options as they stand: down one column, then the other.
+        QWidget *focus = child<QCheckBox>("WholeWordCheck");
+        focus->setFocus();
+        QStringList visited;
+        for (int i = 0; i < 7; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            visited << QApplication::focusWidget()->objectName();
+        }
+        QCOMPARE(visited, (QStringList{"MatchCaseCheck", "RegexCheck", "WrapAroundCheck", "HighlightAllCheck",
+                                       "InSelectionCheck", "ApplyFontColorCheck", "FontColorButton"}));
         QTest::keyClick(m_dialog, Qt::Key_Escape);
         QVERIFY(!m_dialog->isVisible());
     }
@@ -174,6 +210,12 @@ private slots:
         pressEnter();
         QCOMPARE(count(), QStringLiteral("1 of 3"));
         pressEnter();
+        QCOMPARE(count(), QStringLiteral("2 of 3"));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(selection(), qMakePair(2, 3));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(count(), QStringLiteral("3 of 3"));
+        pressEnter(Qt::ShiftModifier);
         QCOMPARE(count(), QStringLiteral("2 of 3"));
         click("WholeWordCheck");
         QTRY_COMPARE(count(), QStringLiteral("2 of 2"));
@@ -222,6 +264,7 @@ private slots:
         QTRY_COMPARE(count(), QStringLiteral("2 matches"));
         pressEnter();
         QCOMPARE(selection(), qMakePair(10, 3));
+        QCOMPARE(status(), QString());
         pressEnter();
         QCOMPARE(selection(), qMakePair(14, 3));
         pressEnter();

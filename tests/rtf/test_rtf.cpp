@@ -10,11 +10,13 @@
 #include "testregistry.h"
 #include "testsupport.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QDir>
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -145,17 +147,23 @@ QString textWithoutNotes(const QTextDocument &doc)
 }
 
 // What LibreOffice's HTML of a document holds: list items (numbered ones apart), the deepest
-// list nesting, tables, footnotes and endnotes, page breaks and pictures.
+// list nesting, tables, footnotes and endnotes, page breaks and pictures, and the kinds of
+// lists ("u" bulleted, "1" "a" "I"... numbered; how the reference splits lists into elements
+// varies, so each kind is listed once).
 struct StructureCounts {
     int items = 0, numbered = 0, depth = 0, tables = 0, notes = 0, pageBreaks = 0, pictures = 0;
     int cells = 0, borderedCells = 0, shadedCells = 0;
     int bookmarks = 0, fields = 0, bordered = 0;
+    QSet<QString> lists;
     QString describe() const
     {
+        QStringList kinds(lists.cbegin(), lists.cend());
+        kinds.sort();
         return QStringLiteral("items %1 numbered %2 depth %3 tables %4 notes %5 breaks %6 pictures %7 cells %8/%9/%10")
                    .arg(items).arg(numbered).arg(depth).arg(tables).arg(notes).arg(pageBreaks).arg(pictures)
                    .arg(cells).arg(borderedCells).arg(shadedCells)
-               + QStringLiteral(" bookmarks %1 fields %2 bordered paragraphs %3").arg(bookmarks).arg(fields).arg(bordered);
+               + QStringLiteral(" bookmarks %1 fields %2 bordered paragraphs %3").arg(bookmarks).arg(fields).arg(bordered)
+               + QStringLiteral(" lists %1").arg(kinds.join(QLatin1Char(' ')));
     }
 };
 
@@ -166,7 +174,8 @@ StructureCounts countsOfReferenceHtml(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return counts;
     const QString html = QString::fromUtf8(file.readAll());
-    static const QRegularExpression tag(QStringLiteral(R"(<(/?)(ol|ul|li|table|img)\b)"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression tag(QStringLiteral(R"(<(/?)(ol|ul|li|table|img)\b([^>]*))"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression type(QStringLiteral(R"re(type="(\w))re"));
     QStringList lists;
     for (auto it = tag.globalMatch(html); it.hasNext();) {
         const auto match = it.next();
@@ -175,8 +184,11 @@ StructureCounts countsOfReferenceHtml(const QString &path)
         if (name == QLatin1String("ol") || name == QLatin1String("ul")) {
             if (closing && !lists.isEmpty())
                 lists.removeLast();
-            else if (!closing)
+            else if (!closing) {
                 lists << name;
+                const auto kind = type.match(match.captured(3));
+                counts.lists << (name == QLatin1String("ul") ? QStringLiteral("u") : kind.hasMatch() ? kind.captured(1) : QStringLiteral("1"));
+            }
             counts.depth = std::max(counts.depth, int(lists.size()));
         } else if (name == QLatin1String("li") && !closing) {
             ++counts.items;

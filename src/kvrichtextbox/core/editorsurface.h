@@ -339,6 +339,34 @@ public:
     virtual void undo() = 0;
     virtual void emptyUndoBuffer() = 0;
 
+    // --- History point: an earlier state kept without copying it ----------------------------
+    /// \brief Records the current state of the document as a point in the surface's own edit
+    /// history, so that it can be read or gone back to later without having been copied.
+    ///
+    /// A surface holds at most one point; marking forgets the earlier one (its \a beforeLost is
+    /// not called). While a point is held, `emptyUndoBuffer` ends only the one-step undo and
+    /// keeps the history the point needs. Before anything that would lose that history (a new
+    /// document through `setRtf` or `setText`, an undo stepping below the point, the surface
+    /// going away) the surface calls \a beforeLost once, while the point can still be read, and
+    /// then forgets the point. The edit history has no size limit, so nothing else loses it.
+    /// \return false when the surface keeps no history; the caller must then copy the state.
+    virtual bool markHistoryPoint(std::function<void()> beforeLost) = 0;
+    /// True while a point is held (even one whose history turned out not to lead back).
+    virtual bool hasHistoryPoint() const = 0;
+    /// Takes the document back to the point, calls \a read (which may only read the surface)
+    /// and brings the document forward again. Afterwards the document, the selection, the
+    /// scroll position, `revision` and the modified flag are as before, and neither the
+    /// listener nor the contents observers heard of the round trip.
+    /// \return false, without calling \a read, when no point is held or the history no longer
+    /// leads back to it exactly.
+    virtual bool readAtHistoryPoint(const std::function<void()> &read) = 0;
+    /// Takes the document back to the point for good, as `setRtf` of the point's RTF would: the
+    /// edit history is emptied, the caret goes to the start, the modified flag is set. The point
+    /// is forgotten. \return false, changing nothing, when `readAtHistoryPoint` would fail.
+    virtual bool restoreHistoryPoint() = 0;
+    /// Drops the point without calling its \a beforeLost.
+    virtual void forgetHistoryPoint() = 0;
+
     // --- Clipboard --------------------------------------------------------------------------
     virtual void cut() = 0;
     virtual void copy() const = 0;
@@ -430,6 +458,11 @@ public:
     using ContentsObserver = std::function<void(int position, int removed, int added)>;
     /// Adds an observer of text changes, called after the change; kept for the surface's life.
     virtual void addContentsObserver(ContentsObserver observer) = 0;
+
+    // --- Accessibility ----------------------------------------------------------------------
+    /// Sets the editor's accessible description (empty: none), as assistive technology reads
+    /// it; a change raises the accessibility event for a changed description.
+    virtual void setAccessibleDescription(const QString &description) = 0;
 
     // --- Events -----------------------------------------------------------------------------
     /// The listener that receives the surface's events; not owned; nullptr for none.

@@ -72,6 +72,17 @@ QString FindQuery::searchable(const QString &text)
     return fixed;
 }
 
+FindQuery::Match FindQuery::literalAt(qsizetype position) const
+{
+    Match match;
+    if (position >= 0) {
+        match.status = Status::Found;
+        match.start = int(position);
+        match.length = int(m_literal->length());
+    }
+    return match;
+}
+
 FindQuery::Match FindQuery::fromRegex(const QRegularExpressionMatch &found) const
 {
     Match match;
@@ -100,15 +111,8 @@ FindQuery::Match FindQuery::next(QStringView text, int from, int to) const
     from = std::max(from, 0);
     if (from > to)
         return match;
-    if (m_literal) {
-        const qsizetype hit = m_literal->indexIn(text, from, to);
-        if (hit >= 0) {
-            match.status = Status::Found;
-            match.start = int(hit);
-            match.length = int(m_literal->length());
-        }
-        return match;
-    }
+    if (m_literal)
+        return literalAt(m_literal->indexIn(text, from, to));
     return fromRegex(
         m_regex.match(text.left(to), from, QRegularExpression::NormalMatch, QRegularExpression::DontCheckSubjectStringMatchOption));
 }
@@ -122,12 +126,7 @@ FindQuery::Match FindQuery::previous(QStringView text, int from, int before) con
     from = std::max(from, 0);
     if (m_literal) {
         const qsizetype hit = m_literal->lastIndexIn(text, before);
-        if (hit >= from) {
-            last.status = Status::Found;
-            last.start = int(hit);
-            last.length = int(m_literal->length());
-        }
-        return last;
+        return literalAt(hit >= from ? hit : -1);
     }
     // A regular expression cannot run backwards: the matches are walked from the start of the
     // range and the last one before the end kept.
@@ -150,14 +149,8 @@ FindQuery::Match FindQuery::exactlyAt(QStringView text, int start, int length, i
     to = std::clamp(to, 0, int(text.size()));
     if (!isValid() || start < 0 || length < 0 || start + length > to)
         return match;
-    if (m_literal) {
-        if (length == m_literal->length() && m_literal->matchesAt(text, start)) {
-            match.status = Status::Found;
-            match.start = start;
-            match.length = length;
-        }
-        return match;
-    }
+    if (m_literal)
+        return literalAt(length == m_literal->length() && m_literal->matchesAt(text, start) ? start : -1);
     match = fromRegex(m_regex.match(text.left(to), start, QRegularExpression::NormalMatch,
                                     QRegularExpression::AnchorAtOffsetMatchOption
                                         | QRegularExpression::DontCheckSubjectStringMatchOption));

@@ -79,6 +79,8 @@ public:
     QString replacementFor(const Match &match, const QString &replacement) const;
 
 private:
+    /// The literal text found at \a position (-1: not found).
+    Match literalAt(qsizetype position) const;
     Match fromRegex(const QRegularExpressionMatch &found) const;
 
     Settings m_settings;

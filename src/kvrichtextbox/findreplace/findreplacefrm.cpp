@@ -53,9 +53,7 @@ FindReplaceFrm::FindReplaceFrm(ControlCore &core, QWidget *parent) : QDialog(par
     auto *optionsFrame = new QGroupBox(QStringLiteral("Find / Replace Options"), this);
     m_wholeWord = makeCheck(QStringLiteral("WholeWordCheck"), QStringLiteral("Whole word"), optionsFrame);
     m_matchCase = makeCheck(QStringLiteral("MatchCaseCheck"), QStringLiteral("Match case"), optionsFrame);
-    m_applyFontColour =
-        makeCheck(QStringLiteral("ApplyFontColorCheck"), QStringLiteral("Apply font color"), optionsFrame);
-    m_fontColourButton = makeButton(QStringLiteral("FontColorButton"), QStringLiteral("Font Color..."), optionsFrame);
+    // Made in the order Tab visits them: down the first column, then down the second.
     m_regex = makeCheck(QStringLiteral("RegexCheck"), QStringLiteral("Regular expression"), optionsFrame);
     m_wrapAround = makeCheck(QStringLiteral("WrapAroundCheck"), QStringLiteral("Wrap around"), optionsFrame);
     m_wrapAround->setChecked(true);
@@ -63,6 +61,9 @@ FindReplaceFrm::FindReplaceFrm(ControlCore &core, QWidget *parent) : QDialog(par
         makeCheck(QStringLiteral("HighlightAllCheck"), QStringLiteral("Highlight all matches"), optionsFrame);
     m_highlightAll->setChecked(true);
     m_inSelection = makeCheck(QStringLiteral("InSelectionCheck"), QStringLiteral("Find in selection"), optionsFrame);
+    m_applyFontColour =
+        makeCheck(QStringLiteral("ApplyFontColorCheck"), QStringLiteral("Apply font color"), optionsFrame);
+    m_fontColourButton = makeButton(QStringLiteral("FontColorButton"), QStringLiteral("Font Color..."), optionsFrame);
     auto *optionsLayout = new QGridLayout(optionsFrame);
     optionsLayout->addWidget(m_wholeWord, 0, 0);
     optionsLayout->addWidget(m_matchCase, 1, 0);
@@ -73,14 +74,13 @@ FindReplaceFrm::FindReplaceFrm(ControlCore &core, QWidget *parent) : QDialog(par
     optionsLayout->addWidget(m_applyFontColour, 2, 1);
     optionsLayout->addWidget(m_fontColourButton, 3, 1);
 
+    // The labels take no focus and have no fixed accessible name: their text is their name,
+    // so assistive technology announces each new count and message.
     m_countLabel = new QLabel(this);
     m_countLabel->setObjectName(QStringLiteral("MatchCountLabel"));
-    m_countLabel->setAccessibleName(QStringLiteral("Match count"));
     m_statusLabel = new QLabel(this);
     m_statusLabel->setObjectName(QStringLiteral("StatusLabel"));
-    m_statusLabel->setAccessibleName(QStringLiteral("Search status"));
     m_statusLabel->setWordWrap(true);
-    m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     m_findNextButton = makeButton(QStringLiteral("FindNextButton"), QStringLiteral("Find Next"), this);
     m_findNextButton->setDefault(true);
@@ -131,11 +131,6 @@ void FindReplaceFrm::setFindText(const QString &text)
 {
     m_findText->setText(text);
     m_findText->selectAll();
-}
-
-FindOptionsQ FindReplaceFrm::options() const
-{
-    return FindOptionsQ((m_wholeWord->isChecked() ? WholeWord : 0) | (m_matchCase->isChecked() ? MatchCase : 0));
 }
 
 std::optional<Colour> FindReplaceFrm::replacementColour() const

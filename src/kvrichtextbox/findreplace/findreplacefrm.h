@@ -89,7 +89,6 @@ private:
     void report(FindSession::Outcome outcome, bool forward, const QString &ending);
     QString wrapNote(bool forward) const;
     static QString tooComplexMessage();
-    FindOptionsQ options() const;
     std::optional<Colour> replacementColour() const;
     void tell(const QString &message);
     /// "The text: ''X''" followed by \a ending.

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <iterator>
 
 namespace kvrtb {
 
@@ -102,6 +103,13 @@ EditorSurface::TextSpan FindSession::range()
     return {start, std::clamp(m_scope.end(), start, length) - start};
 }
 
+bool FindSession::selectionIsRange() const
+{
+    const EditorSurface &surface = m_core.surface();
+    return m_inSelection && surface.selLength() > 0 && surface.selStart() == m_scope.start
+        && surface.selLength() == m_scope.length;
+}
+
 void FindSession::activate()
 {
     m_active = true;
@@ -155,6 +163,8 @@ void FindSession::startCount()
     }
     m_countText = searchText();
     const EditorSurface::TextSpan searched = range();
+    m_countRevision = m_core.surface().revision();
+    m_countStart = searched.start;
     m_countPosition = searched.start;
     m_countEnd = searched.end();
     m_countState = CountState::Running;
@@ -278,7 +288,8 @@ FindSession::Result FindSession::findNext()
     const EditorSurface &surface = m_core.surface();
     const EditorSurface::TextSpan searched = range();
     const int caret = surface.selStart() + surface.selLength();
-    const int from = caret >= searched.start && caret <= searched.end() ? caret : searched.start;
+    const bool inside = caret >= searched.start && caret <= searched.end() && !selectionIsRange();
+    const int from = inside ? caret : searched.start;
     FindQuery::Match match = m_query->next(text, from, searched.end());
     if (match.found() && match.length == 0 && match.start == caret && surface.selLength() == 0)
         match = match.start < searched.end() ? m_query->next(text, match.start + 1, searched.end()) : FindQuery::Match();
@@ -292,17 +303,38 @@ FindSession::Result FindSession::findNext()
     return notFound(match);
 }
 
+FindQuery::Match FindSession::previousMatch(const QString &text, EditorSurface::TextSpan searched, int before)
+{
+    const bool counted = m_countState == CountState::Done && m_countRevision == m_core.surface().revision()
+        && m_countStart == searched.start && m_countEnd == searched.end();
+    if (!counted)
+        return m_query->previous(text, searched.start, before);
+    // The counted matches are the ones a backward search walks: take the last that ends before
+    // \a before (a zero-length one only if it is before it), found by bisection.
+    const auto after = std::partition_point(m_matches.cbegin(), m_matches.cend(), [before](const EditorSurface::TextSpan &span) {
+        return span.end() <= before && (span.length > 0 || span.start < before);
+    });
+    FindQuery::Match match;
+    if (after != m_matches.cbegin()) {
+        match.status = FindQuery::Status::Found;
+        match.start = std::prev(after)->start;
+        match.length = std::prev(after)->length;
+    }
+    return match;
+}
+
 FindSession::Result FindSession::findPrevious()
 {
     const QString &text = searchText();
     const EditorSurface::TextSpan searched = range();
     const int caret = m_core.surface().selStart();
-    const int before = caret >= searched.start && caret <= searched.end() ? caret : searched.end();
-    FindQuery::Match match = m_query->previous(text, searched.start, before);
+    const bool inside = caret >= searched.start && caret <= searched.end() && !selectionIsRange();
+    const int before = inside ? caret : searched.end();
+    FindQuery::Match match = previousMatch(text, searched, before);
     if (match.found())
         return found(match, false);
     if (match.status == FindQuery::Status::NotFound && m_wrapAround && before < searched.end()) {
-        match = m_query->previous(text, searched.start, searched.end());
+        match = previousMatch(text, searched, searched.end());
         if (match.found())
             return found(match, true);
     }

@@ -30,8 +30,8 @@ class ControlCore;
 ///   result says it wrapped.
 /// - **In selection.** `setInSelection(true)` fixes the range searched to the selection the
 ///   user has at that moment; the range follows later edits (text inserted or removed inside it
-///   grows or shrinks it), so selecting a match does not change it. A caret outside the range
-///   searches from its start (next) or its end (previous).
+///   grows or shrinks it), so selecting a match does not change it. A caret outside the range,
+///   or the range itself still selected, searches from its start (next) or its end (previous).
 /// - **Counting.** While the session is active (the dialog shown), every match in the range is
 ///   counted in slices of about `kSliceMilliseconds` run from the event loop, so a 5 MB
 ///   document keeps the dialog responsive; the count starts again `kRecountDelay` ms after the
@@ -109,6 +109,8 @@ private:
 
     /// The document's plain text, made searchable (`FindQuery::searchable`) once per change.
     const QString &searchText();
+    /// True when the selection is the whole range searched in selection (just fixed).
+    bool selectionIsRange() const;
     void scheduleRecount();
     void startCount();
     void countSlice();
@@ -116,6 +118,10 @@ private:
     void clearHighlights();
     void textChanged(int position, int removed, int added);
     Result found(const FindQuery::Match &match, bool wrapped);
+    /// The last match in \a searched that ends before \a before: from the count when it is
+    /// complete and up to date (a bisection instead of a walk over a regular expression's
+    /// matches), from the query otherwise.
+    FindQuery::Match previousMatch(const QString &text, EditorSurface::TextSpan searched, int before);
     Result notFound(const FindQuery::Match &match) const;
 
     ControlCore &m_core;
@@ -131,6 +137,8 @@ private:
     quint64 m_searchRevision = 0;
     bool m_searchTextValid = false;
     QString m_countText;
+    quint64 m_countRevision = 0;
+    int m_countStart = 0;
     int m_countPosition = 0;
     int m_countEnd = 0;
     QList<EditorSurface::TextSpan> m_matches;

@@ -115,33 +115,43 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     m_edit->setAccessibleName(tr("Rich text editor"));
     connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
     connect(doc, &QTextDocument::contentsChanged, this, [this] {
-        if (m_listener)
+        // Painted links follow the text's formats, so in a dark palette every change counts.
+        if (m_decorationsStale || paintsLinks()) {
+            m_decorationsStale = false;
+            applyDecorations(false);
+        }
+        if (m_listener && !m_quietHistory)
             m_listener->change();
     });
     connect(doc, &QTextDocument::undoCommandAdded, this, [this] {
         if (!m_undoing)
             m_lastWasUndo = false;
+        // An edit made below the history point cut off the way back to it.
+        if (m_historyPoint >= 0 && document()->availableUndoSteps() <= m_historyPoint)
+            m_historyPointBroken = true;
     });
     connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
     connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] {
         markLinesDirty();
-        if (!m_decorations.isEmpty())
+        if (decorating())
             applyDecorations();
     });
     connect(m_edit, &SurfaceTextEdit::paletteChanged, this, [this] { applyDecorations(); });
     connect(m_edit->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
-        if (!m_decorations.isEmpty())
+        if (decorating())
             applyDecorations();
     });
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, &QtEditorSurface::onCursorMoved);
     connect(m_edit, &QTextEdit::selectionChanged, this, &QtEditorSurface::onCursorMoved);
+    connect(m_edit, &SurfaceTextEdit::aboutToBeDestroyed, this, [this] { letGoOfHistoryPoint(); });
     connect(m_edit, &QObject::destroyed, this, [this] { m_edit = nullptr; });
 }
 
 QtEditorSurface::~QtEditorSurface()
 {
-    // The widget may already have gone with its parent.
+    // The widget may already have gone with its parent (it let go of the history point then).
     if (m_edit) {
+        letGoOfHistoryPoint();
         m_edit->setListener(nullptr);
         disconnect(m_edit, nullptr, this, nullptr);
         disconnect(m_edit->document(), nullptr, this, nullptr);
@@ -158,11 +168,15 @@ QTextDocument *QtEditorSurface::document() const
 
 void QtEditorSurface::onContentsChange(int from, int removed, int added)
 {
+    if (m_quietHistory) {
+        markLinesDirty();
+        return; // a round trip through the history: the document ends as it was
+    }
     ++m_revision;
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;
     markLinesDirty();
-    if (!m_decorations.isEmpty())
+    if (decorating())
         moveDecorations(from, std::max(0, removed), std::max(0, added));
     if (!m_contentsObservers.isEmpty()) {
         // The document reports a change of its first block with counts that may run past the
@@ -177,7 +191,7 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
 
 void QtEditorSurface::onCursorMoved()
 {
-    if (m_freezeCount > 0)
+    if (m_freezeCount > 0 || m_quietHistory)
         return;
     const int start = selStart();
     const int length = selLength();
@@ -243,6 +257,7 @@ QString QtEditorSurface::text() const
 
 void QtEditorSurface::setText(const QString &text)
 {
+    letGoOfHistoryPoint();
     pauseBatch();
     // The document's own setPlainText gives the text the default format; the editor's would
     // carry over the format at the caret (text set after bold RTF would come out bold).
@@ -250,6 +265,7 @@ void QtEditorSurface::setText(const QString &text)
     m_edit->setTextCursor(QTextCursor(document()));
     resumeBatch();
     m_lastWasUndo = false;
+    m_undoFloor = 0;
     m_modified = true;
     if (m_freezeCount > 0)
         m_frozenCursor = QTextCursor(document());
@@ -281,6 +297,7 @@ bool QtEditorSurface::setRtf(const QString &rtfText, QString *error)
         setText(rtfText);
         return true;
     }
+    letGoOfHistoryPoint();
     pauseBatch();
     const rtf::ReadResult result = rtf::readRtf(*document(), bytes);
     resumeBatch();
@@ -289,8 +306,7 @@ bool QtEditorSurface::setRtf(const QString &rtfText, QString *error)
             *error = result.error;
         return false;
     }
-    document()->clearUndoRedoStacks();
-    m_lastWasUndo = false;
+    clearHistory();
     m_modified = true;
     setCursor(QTextCursor(document()));
     markLinesDirty();
@@ -579,15 +595,18 @@ bool QtEditorSurface::canUndo() const
 {
     flushBatch();
     const QTextDocument *doc = document();
-    return m_lastWasUndo ? doc->isRedoAvailable() : doc->isUndoAvailable();
+    return m_lastWasUndo ? doc->isRedoAvailable() : doc->availableUndoSteps() > m_undoFloor;
 }
 
 void QtEditorSurface::undo()
 {
     if (!canUndo())
         return;
-    m_undoing = true;
     const bool redo = m_lastWasUndo;
+    // Stepping below the history point would let the next edit cut off the way back to it.
+    if (!redo && m_historyPoint >= 0 && document()->availableUndoSteps() <= m_historyPoint)
+        letGoOfHistoryPoint();
+    m_undoing = true;
     withWidgetCursor([redo](SurfaceTextEdit *edit) {
         if (redo)
             edit->redo();
@@ -602,9 +621,19 @@ void QtEditorSurface::undo()
 void QtEditorSurface::emptyUndoBuffer()
 {
     pauseBatch();
-    document()->clearUndoRedoStacks();
+    if (m_historyPoint >= 0) {
+        // The history down to the point is kept; only the one-step undo ends here.
+        // The floor is at or above the point, and the one-step undo cannot go below it, so the
+        // document is never at the point again unless it is at the floor: the next edit made
+        // there must start an undo step of its own (see markHistoryPoint).
+        document()->clearUndoRedoStacks(QTextDocument::RedoStack);
+        m_undoFloor = document()->availableUndoSteps();
+        m_lastWasUndo = false;
+        document()->setModified(false);
+    } else {
+        clearHistory();
+    }
     resumeBatch();
-    m_lastWasUndo = false;
 }
 
 // --- Clipboard ------------------------------------------------------------------------------

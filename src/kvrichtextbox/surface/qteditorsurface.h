@@ -90,6 +90,11 @@ public:
     bool canUndo() const override;
     void undo() override;
     void emptyUndoBuffer() override;
+    bool markHistoryPoint(std::function<void()> beforeLost) override;
+    bool hasHistoryPoint() const override;
+    bool readAtHistoryPoint(const std::function<void()> &read) override;
+    bool restoreHistoryPoint() override;
+    void forgetHistoryPoint() override;
 
     void cut() override;
     void copy() const override;
@@ -137,6 +142,7 @@ public:
     TextSpan paragraphAt(int position) const override;
     int charAtGlobalPoint(const QPoint &globalPoint) const override;
     void addContentsObserver(ContentsObserver observer) override;
+    void setAccessibleDescription(const QString &description) override;
 
 private:
     QTextCursor cursor() const;
@@ -165,6 +171,14 @@ private:
     /// The line at a document y coordinate.
     int lineAtY(int y) const;
     void applyWrap();
+    /// Calls the history point's `beforeLost` (once) and forgets the point: the history it
+    /// needs is about to go.
+    void letGoOfHistoryPoint();
+    /// Undoes whole edits of the document until its history stands at the point. \return false
+    /// when it cannot land exactly there (the document is then brought back to where it was).
+    bool rollBackToHistoryPoint();
+    /// Empties the document's whole edit history and the one-step undo.
+    void clearHistory();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
     /// Hands the decoration spans in view to the widget, in layer order (later layers paint on
@@ -173,6 +187,10 @@ private:
     void applyDecorations(bool findView = true);
     /// Moves the decoration spans for an edit; spans the edit touched are dropped.
     void moveDecorations(int position, int removed, int added);
+    /// True when links are painted in the palette's link colour (a dark palette).
+    bool paintsLinks() const;
+    /// True when anything is painted over the text: a decoration layer or the links.
+    bool decorating() const;
     /// The look of a layer's spans in the widget's current palette.
     QTextCharFormat decorationFormat(DecorationLayer layer) const;
 
@@ -182,6 +200,7 @@ private:
     QMap<int, QList<TextSpan>> m_decorations;
     int m_viewStart = 0;  ///< the text in view when decorations were last painted
     int m_viewEnd = -1;   ///< -1: not known
+    bool m_decorationsStale = false; ///< an edit changed a shown span: hand them over again
     QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;
@@ -195,6 +214,16 @@ private:
     bool m_modified = false;
     bool m_lastWasUndo = false;   ///< the next undo redoes
     bool m_undoing = false;
+    /// The history point: the number of undo steps of the document at that state, -1 for none.
+    int m_historyPoint = -1;
+    /// The history below the point was lost without warning (an edit after stepping below it).
+    bool m_historyPointBroken = false;
+    std::function<void()> m_beforeHistoryPointLost;
+    /// Undo steps at the last `emptyUndoBuffer` while a point was held: the one-step undo
+    /// never goes below it.
+    int m_undoFloor = 0;
+    /// A history round trip is running: its changes are not reported.
+    bool m_quietHistory = false;
     WrapMode m_wrapMode = WrapMode::Window;
     int m_wrapWidth = 0;
     int m_rightMargin = 0;

@@ -143,8 +143,11 @@ void Syntax::applySyntax(Variant variant, const QString &member, int method, int
     const int caret = surface.selStart();
     {
         BusyGuard busy(m_core.services());
+        // The subject is searched on a worker thread while the snapshot is taken: both only
+        // read, and nothing runs in between that could change the text.
+        EarlySearch early = searchEarly(variant, method);
         m_core.specialUndo().SaveSpecialUndoData();
-        colouringPass(variant, method, formatting);
+        colouringPass(variant, method, formatting, early);
     }
     if (method == Syntax_All_Text)
         surface.setSelStart(caret);
@@ -152,7 +155,16 @@ void Syntax::applySyntax(Variant variant, const QString &member, int method, int
     m_core.events().ready();
 }
 
-void Syntax::colouringPass(Variant variant, int method, int formatting)
+Syntax::EarlySearch Syntax::searchEarly(Variant variant, int method) const
+{
+    const EditorSurface &surface = m_core.surface();
+    EarlySearch early;
+    early.subject = method == Syntax_All_Text ? surface.text() : surface.selectedText();
+    early.matches = std::async(std::launch::async, &ColouringEngine::collect, early.subject, rulesFor(variant));
+    return early;
+}
+
+void Syntax::colouringPass(Variant variant, int method, int formatting, EarlySearch &early)
 {
     ThreadState &state = threadState();
     if (state.colouringBusy)
@@ -168,8 +180,10 @@ void Syntax::colouringPass(Variant variant, int method, int formatting)
     const bool allText = method == Syntax_All_Text;
     for (int attempt = 0; attempt < kMaxRestarts; ++attempt) {
         const int start = allText ? 0 : surface.selStart();
-        const QString subject = allText ? surface.text() : surface.selectedText();
-        ColouringEngine engine(subject, rules);
+        // A restart reads the text as it is now and searches it again.
+        const QString subject = attempt == 0 ? early.subject : allText ? surface.text() : surface.selectedText();
+        ColouringEngine engine = attempt == 0 ? ColouringEngine(subject, rules, early.matches.get())
+                                              : ColouringEngine(subject, rules);
         if (attempt == 0) {
             for (const QString &warning : engine.warnings())
                 qWarning("KvRTB: %s", qPrintable(warning));

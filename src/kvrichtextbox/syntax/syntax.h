@@ -2,6 +2,8 @@
 
 #include "syntax/colouringengine.h"
 
+#include <future>
+
 #include <QString>
 
 namespace kvrtb {
@@ -63,8 +65,17 @@ public:
     static QString invalidMethodText(const QString &member);
 
 private:
+    /// The subject of a run, read at its start, and its matches being found on a worker thread.
+    struct EarlySearch {
+        QString subject;
+        std::future<ColouringEngine::Matches> matches;
+    };
+
     void applySyntax(Variant variant, const QString &member, int method, int formatting);
-    void colouringPass(Variant variant, int method, int formatting);
+    /// Reads the run's subject and starts finding its matches on a worker thread.
+    EarlySearch searchEarly(Variant variant, int method) const;
+    /// The colouring run proper; its first attempt takes the subject and matches of \a early.
+    void colouringPass(Variant variant, int method, int formatting, EarlySearch &early);
     /// Walks the engine to its end with yields; false when the run was cancelled.
     bool walk(ColouringEngine &engine);
     /// Applies the walked result and the formatting option to [start, start + length) (length

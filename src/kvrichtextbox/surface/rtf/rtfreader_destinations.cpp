@@ -97,6 +97,11 @@ bool keepsInstruction(const QString &instruction)
 
 void Reader::finishDestination(const GroupState &closing)
 {
+    if (closing.opensObject && !m_objectShown && closing.start && top().dest == Dest::Text) {
+        // An object that shows nothing is kept with its paragraph (rtfkept.h).
+        (!m_bodyStarted && m_parCount == 0 && !m_inNote ? m_keptDocument : m_keptParagraph)
+            .append(closing.start, qsizetype(m_p - closing.start));
+    }
     if (closing.opensField && !m_fieldOfGroup.empty()) {
         const FieldEntry field = m_fields[size_t(m_fieldOfGroup.back())];
         m_fieldOfGroup.pop_back();
@@ -334,15 +339,26 @@ void Reader::handleDestinationWord(Word word)
         // Some writers close it only after the nested row's text, which is document text.
         state.nestedTableProps = true;
         [[fallthrough]];
+    case Word::Result:
+        if (m_stack.size() >= 2 && m_stack[m_stack.size() - 2].opensObject && state.start && state.dest == Dest::Ignore) {
+            // What the object shows carries the rest of the object's group with it.
+            const GroupState &object = m_stack[m_stack.size() - 2];
+            flushText();
+            m_objects.push_back(QByteArray(object.start, qsizetype(state.start - object.start)));
+            state.ch.object = int(m_objects.size()) - 1;
+            m_objectShown = true;
+        }
+        [[fallthrough]];
     case Word::ShpPict:
     case Word::Ud:
-    case Word::Result:
         if (state.dest == Dest::Ignore || state.dest == Dest::Upr)
             state.dest = Dest::Text;
         break;
     case Word::Object:
         flushRun();
         state.dest = Dest::Ignore;
+        state.opensObject = true;
+        m_objectShown = false;
         break;
     case Word::PnDest:
         open(Dest::Pn);

@@ -20,6 +20,7 @@ void Reader::openGroup()
     next.destRoot = false;
     next.star = false;
     next.opensField = false;
+    next.opensObject = false;
     next.keep = false;
     next.start = m_p - 1;
     if (next.dest == Dest::Upr)

@@ -127,6 +127,7 @@ struct CharState {
     qint32 offset = 0;     // twips
     qint32 lang = 0;
     qint32 link = -1;      // index of the hyperlink field the text belongs to
+    qint32 object = -1;    // index of the embedded object whose result the text is
     qint32 noteId = 0;     // the note this reference or note mark belongs to
     qint32 noteMark = 0;   // an automatically numbered note reference or mark
     // Properties of right-to-left and complex-script text (\ab, \ai, \af, \afs), -1 or 0
@@ -209,6 +210,7 @@ struct GroupState {
     bool destRoot = false; // this group opened its destination
     bool star = false;     // "\*" seen at the group's start
     bool opensField = false; // this group is a \field
+    bool opensObject = false; // this group is an \object
     bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
     int codePage = 1252;   // code page of the current font
     bool keep = false;     // a skipped group kept to be written back (rtfkept.h)
@@ -442,6 +444,8 @@ private:
     int m_red = -1, m_green = -1, m_blue = -1;
 
     std::vector<FieldEntry> m_fields;
+    std::vector<QByteArray> m_objects; // embedded objects' groups up to their results (rtfkept.h)
+    bool m_objectShown = false;        // the \object being read has a result
     std::vector<int> m_fieldOfGroup; // field index of each open \field group (stack)
 
     PnState m_pnBuild;

@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtfnotes.h"
 
 #include <QTextCursor>
@@ -176,6 +177,7 @@ QTextCharFormat Reader::formatFor(const CharState &state)
     const FieldEntry *link = state.link >= 0 && size_t(state.link) < m_fields.size() ? &m_fields[size_t(state.link)] : nullptr;
     if (link)
         change.linkAddress = link->address;
+    const bool object = state.object >= 0 && size_t(state.object) < m_objects.size();
     const bool linkEffect = link && !(link->flags & 1);
     QTextCharFormat qt = format::charDelta(change);
     if (link && link->address.isEmpty()) {
@@ -185,6 +187,8 @@ QTextCharFormat Reader::formatFor(const CharState &state)
     }
     if (linkEffect)
         qt.setProperty(format::LinkEffect, true);
+    if (object)
+        qt.setProperty(KeptObjectGroup, m_objects[size_t(state.object)]);
     format::setUserUnderline(qt, QTextCharFormat::UnderlineStyle(state.underline));
     if (state.noteId) {
         qt.setProperty(NoteIdProperty, state.noteId);

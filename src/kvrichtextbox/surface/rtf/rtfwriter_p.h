@@ -120,6 +120,7 @@ private:
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;
     QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
+    QByteArray m_objectAtParagraphEnd; // the object whose result the last paragraph ended in
     ListTableBuilder m_listTable;
     bool m_inNote = false;
     QStringList m_fonts;

@@ -172,6 +172,19 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         m_props = beforeLink;
         inLink = false;
     };
+    // Consecutive fragments of one embedded object's result are written inside its group
+    // (rtfkept.h); a result that goes on from the paragraph before is written there.
+    QByteArray object = m_objectAtParagraphEnd;
+    bool inObject = false;
+    RunProps beforeObject;
+    auto closeObject = [&] {
+        if (!inObject)
+            return;
+        m_out += "}}";
+        m_needSpace = false;
+        m_props = beforeObject;
+        inObject = false;
+    };
     // A block's fragments follow each other, so their positions are counted here (asking
     // each fragment for its position walks the document's fragment tree every time).
     int fragmentStart = blockStart;
@@ -184,6 +197,19 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         if (from >= to)
             continue;
         const QTextCharFormat qt = fragment.charFormat();
+        const QByteArray objectGroup = qt.property(KeptObjectGroup).toByteArray();
+        if (objectGroup != object) {
+            closeLink();
+            closeObject();
+            object = objectGroup;
+            if (!object.isEmpty()) {
+                beforeObject = m_props;
+                m_out += object;
+                m_out += "{\\result";
+                m_needSpace = true;
+                inObject = true;
+            }
+        }
         const QString address = qt.anchorHref();
         const bool effect = qt.boolProperty(format::LinkEffect);
         const bool isLink = !address.isEmpty() || effect;
@@ -280,6 +306,8 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     }
     closeField();
     closeLink();
+    closeObject();
+    m_objectAtParagraphEnd = object;
     if (blockEnd >= rangeStart && blockEnd < rangeEnd && ending)
         word(ending);
     m_out += '\n';

@@ -105,13 +105,19 @@ void resetPeakMemory()
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
-/// The processor time (user and system) this process has used, in seconds.
+/// The processor time (user and system) of \a usage, in seconds.
+double processorSeconds(const struct rusage &usage)
+{
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+           + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+/// The processor time this process (all its threads) has used, in seconds.
 double cpuSeconds()
 {
     struct rusage usage {};
     getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
-           + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    return processorSeconds(usage);
 }
 
 /// The helper mode: runs argv[2..] with its output thrown away, and prints
@@ -130,9 +136,8 @@ int runMeasured(char *argv[])
     if (child < 0 || wait4(child, &status, 0, &usage) < 0)
         return 1;
     const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    const double cpu = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
-                       + double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-    std::printf("%.6f %.6f %ld %d\n", elapsed, cpu, usage.ru_maxrss, WIFEXITED(status) ? WEXITSTATUS(status) : 128);
+    std::printf("%.6f %.6f %ld %d\n", elapsed, processorSeconds(usage), usage.ru_maxrss,
+                WIFEXITED(status) ? WEXITSTATUS(status) : 128);
     return 0;
 }
 

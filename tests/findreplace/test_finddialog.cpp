@@ -276,6 +276,7 @@ private slots:
         click("ReplaceAllButton");
         QCOMPARE(lastMessage(), QStringLiteral("2 replacements made in the selection."));
         QCOMPARE(m_control->Text(), QStringLiteral("cat cat | tiger tiger | cat"));
+        QTRY_COMPARE(count(), QStringLiteral("No matches"));
         typeFindText(QStringLiteral("tiger"));
         typeInto("ReplacementTxt", QStringLiteral("cat"));
         click("RegexCheck");
@@ -283,14 +284,20 @@ private slots:
         QCOMPARE(m_control->Text(), QStringLiteral("cat cat | cat cat | cat"));
         click("ReplaceAllButton");
         QCOMPARE(lastMessage(), QStringLiteral("The text: ''tiger'' not found in the selection."));
-        // One undo takes the last pass back.
-        m_control->HyperUndo();
-        QCOMPARE(m_control->Text(), QStringLiteral("cat cat | tiger tiger | cat"));
-
-        // Off again, the whole document is searched.
-        click("InSelectionCheck");
+        // Typing before the range moves it along.
+        m_control->setSelStart(0);
+        m_control->setSelText(QStringLiteral("cat "));
         typeFindText(QStringLiteral("cat"));
-        QTRY_COMPARE(count(), QStringLiteral("3 matches"));
+        QTRY_COMPARE(count(), QStringLiteral("2 matches"));
+        pressEnter(Qt::ShiftModifier);
+        QCOMPARE(selection(), qMakePair(18, 3));
+
+        // Typing over all of it ends find in selection, and the dialog says so.
+        select(0, int(m_control->Text().size()));
+        m_control->setSelText(QStringLiteral("cat and cat"));
+        QVERIFY(!child<QCheckBox>("InSelectionCheck")->isChecked());
+        QCOMPARE(status(), QStringLiteral("The text searched in was replaced, so the whole document is searched."));
+        QTRY_COMPARE(count(), QStringLiteral("2 matches"));
     }
 };
 

@@ -936,7 +936,10 @@ QString tablesView(const QTextDocument &doc)
                 walk(child, depth);
                 continue;
             }
-            out << QStringLiteral("table %1 %2x%3 %4").arg(depth).arg(table->rows()).arg(table->columns()).arg(tableLayout(table));
+            const QTextTableFormat tf = table->format();
+            out << QStringLiteral("table %1 %2x%3 %4").arg(depth).arg(table->rows()).arg(table->columns()).arg(tableLayout(table))
+                       + (tf.border() > 0 ? QStringLiteral(" border %1:%2:%3").arg(tf.border()).arg(int(tf.borderStyle())).arg(tf.borderBrush().color().name())
+                                          : QString());
             for (int r = 0; r < table->rows(); ++r) {
                 for (int c = 0; c < table->columns(); ++c) {
                     const QTextTableCell cell = table->cellAt(r, c);
@@ -1145,7 +1148,8 @@ void TestRtf::tableBordersShadingPaddingAndWidths()
         "{\\rtf1\\ansi{\\colortbl;\\red255\\green0\\blue0;\\red0\\green0\\blue255;}\n"
         "\\trowd\\trgaph105\\trpaddl60\\trpaddfl3"
         "\\clbrdrt\\brdrs\\brdrw30\\brdrcf1\\clbrdrb\\brdrdb\\brdrw15\\clcbpat2\\clvertalc\\cellx1500"
-        "\\clshdng2000\\clvertalb\\clpadt45\\clpadft3\\clpadr90\\clpadfr0\\clbrdrl\\brdrdot\\clbrdrr\\brdrnone\\cellx3000\n"
+        "\\clshdng2000\\clvertalb\\clpadt45\\clpadft3\\clpadr90\\clpadfr0\\clbrdrl\\brdrdot\\clbrdrr\\brdrnone"
+        "\\cldgll\\brdrs\\cldglu\\brdrs\\cellx3000\n"
         "\\pard\\intbl a\\cell b\\cell\\row\n"
         "\\trowd\\trbrdrt\\brdrs\\trbrdrh\\brdrdash\\brdrw45\\cellx1500\\cellx3000\\pard\\intbl c\\cell d\\cell\\row\n"
         "\\pard x\\par}";
@@ -1181,6 +1185,22 @@ void TestRtf::tableBordersShadingPaddingAndWidths()
     QVERIFY(rtf::readRtf(wide, "{\\rtf1\\trowd\\cellx9000\\cellx18000\\intbl a\\cell b\\cell\\row}").ok);
     wide.setTextWidth(300);
     QVERIFY(wide.documentLayout()->frameBoundingRect(firstTable(wide)).width() >= 1200);
+
+    // The same border on every side of every cell is the table's; a shorter row's filler cell
+    // draws none of it (a full row draws about 100 pixels more).
+    const QByteArray box = "\\clbrdrt\\brdrs\\clbrdrl\\brdrs\\clbrdrb\\brdrs\\clbrdrr\\brdrs";
+    QTextDocument full;
+    QVERIFY(rtf::readRtf(full, "{\\rtf1\\trowd" + box + "\\cellx1500" + box + "\\cellx3000\\intbl a\\cell b\\cell\\row"
+                                   "\\trowd" + box + "\\cellx1500" + box + "\\cellx3000\\intbl c\\cell\\cell\\row}").ok);
+    QCOMPARE(tablesView(full).section(QLatin1Char('\n'), 0, 0), QStringLiteral("table 1 2x2  | 1/100 1/100 border 1:3:#000000"));
+    QVERIFY2(!tablesView(full).contains(QLatin1String("borders")), qPrintable(tablesView(full)));
+    const QByteArray fullOut = rtf::writeRtf(full);
+    QCOMPARE(fullOut.count("\\clbrdrt\\brdrs\\brdrw15\\clbrdrl\\brdrs\\brdrw15\\clbrdrb\\brdrs\\brdrw15\\clbrdrr\\brdrs\\brdrw15\\cellx"), 4);
+    checkTableRoundTrip(full, fullOut);
+    QTextDocument shorter;
+    QVERIFY(rtf::readRtf(shorter, "{\\rtf1\\trowd" + box + "\\cellx1500" + box + "\\cellx3000\\intbl a\\cell b\\cell\\row"
+                                      "\\trowd" + box + "\\cellx1500\\intbl c\\cell\\row}").ok);
+    QVERIFY(inkedPixels(shorter) < inkedPixels(full) - 90);
 
     // A table made in the control (Qt's own border around every cell) keeps its lines.
     QTextDocument made;

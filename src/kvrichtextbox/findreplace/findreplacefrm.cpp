@@ -110,6 +110,11 @@ FindReplaceFrm::FindReplaceFrm(ControlCore &core, QWidget *parent) : QDialog(par
 
     m_session = new FindSession(core, this);
     connect(m_session, &FindSession::countChanged, this, &FindReplaceFrm::updateCount);
+    connect(m_session, &FindSession::rangeLost, this, [this] {
+        const QSignalBlocker blocker(m_inSelection);
+        m_inSelection->setChecked(false);
+        m_statusLabel->setText(QStringLiteral("The text searched in was replaced, so the whole document is searched."));
+    });
     connect(m_findText, &QLineEdit::textChanged, this, &FindReplaceFrm::updateButtons);
     connect(m_findText, &QLineEdit::textChanged, this, &FindReplaceFrm::updateQuery);
     for (QCheckBox *check : {m_wholeWord, m_matchCase, m_regex})

@@ -43,8 +43,8 @@ class ControlCore;
 /// replacing and counting to the selection the user has when turning it on). Under the frame,
 /// `MatchCountLabel` shows the count ("3 of 41") and `StatusLabel` what the message boxes do not
 /// tell: an invalid pattern ("Invalid regular expression: missing closing parenthesis at offset
-/// 2."), a pattern too complex for the text, a search that wrapped, or an empty selection for
-/// find in selection. Without the new options, "Find Next" and "Replace All" act and report as
+/// 2."), a pattern too complex for the text, a search that wrapped, an empty selection for
+/// find in selection, or its text replaced as a whole (which turns find in selection off). Without the new options, "Find Next" and "Replace All" act and report as
 /// above; with wrap-around, "Find Next" tells "not found" only when there is no match at all.
 /// Replace all in a selection reports "N replacements made in the selection." and "The text:
 /// ''X'' not found in the selection.".

@@ -110,6 +110,20 @@ bool FindSession::selectionIsRange() const
         && surface.selLength() == m_scope.length;
 }
 
+FindSession::ScopeHold::ScopeHold(FindSession &session)
+    : m_session(session), m_length(session.m_core.surface().textLength())
+{
+    m_session.m_holdScope = true;
+}
+
+FindSession::ScopeHold::~ScopeHold()
+{
+    m_session.m_holdScope = false;
+    EditorSurface::TextSpan &scope = m_session.m_scope;
+    if (m_session.m_inSelection)
+        scope.length = std::max(0, scope.length + m_session.m_core.surface().textLength() - m_length);
+}
+
 void FindSession::activate()
 {
     m_active = true;
@@ -128,12 +142,18 @@ void FindSession::deactivate()
 
 void FindSession::textChanged(int position, int removed, int added)
 {
-    if (m_inSelection && removed != added) {
+    if (m_inSelection && !m_holdScope && removed != added) {
         // An edit before the range moves it; one that touches it grows or shrinks it.
         const int delta = added - removed;
         const bool before = removed > 0 ? position + removed <= m_scope.start : position < m_scope.start;
+        const bool covers = position <= m_scope.start && position + removed >= m_scope.end();
         if (before) {
             m_scope.start += delta;
+        } else if (covers) {
+            // Replaced with the text around it (an undo of the whole document, say): where the
+            // range went cannot be told, so searching in it ends.
+            m_inSelection = false;
+            emit rangeLost();
         } else if (position < m_scope.end()) {
             const int start = std::min(m_scope.start, position);
             const int end = std::max(position + added, m_scope.end() + delta);
@@ -356,7 +376,10 @@ FindSession::Result FindSession::replaceNext(const QString &replacement, std::op
             CharFormat colour;
             if (fontColour)
                 colour.color = translateColour(*fontColour);
-            surface.replaceRanges({{match.start, match.length, newText}}, fontColour ? &colour : nullptr);
+            {
+                const ScopeHold hold(*this);
+                surface.replaceRanges({{match.start, match.length, newText}}, fontColour ? &colour : nullptr);
+            }
             surface.setSelStart(match.start + int(newText.size()));
             done = true;
         }
@@ -378,6 +401,7 @@ int FindSession::replaceAll(const QString &replacement, std::optional<Colour> fo
         return findReplace.ReplaceAll(settings.pattern, replacement, FindOptionsQ(options), fontColour);
     }
     bool tooComplex = false;
+    const ScopeHold hold(*this);
     const int count = findReplace.replaceEach(
         [&](const QString &document) {
             const QString text = FindQuery::searchable(document);

@@ -30,7 +30,9 @@ class ControlCore;
 ///   result says it wrapped.
 /// - **In selection.** `setInSelection(true)` fixes the range searched to the selection the
 ///   user has at that moment; the range follows later edits (text inserted or removed inside it
-///   grows or shrinks it), so selecting a match does not change it. A caret outside the range,
+///   grows or shrinks it), so selecting a match does not change it. An edit that replaces all
+///   of it at once (typing over it, an undo of the whole document) ends find in selection and
+///   raises `rangeLost`. A caret outside the range,
 ///   or the range itself still selected, searches from its start (next) or its end (previous).
 /// - **Counting.** While the session is active (the dialog shown), every match in the range is
 ///   counted in slices of about `kSliceMilliseconds` run from the event loop, so a 5 MB
@@ -103,9 +105,27 @@ public:
 signals:
     /// The count, the current match or the highlights changed.
     void countChanged();
+    /// An edit replaced the whole range searched in selection: the whole document is searched.
+    void rangeLost();
 
 private:
     enum class CountState { Idle, Running, Done, TooComplex };
+
+    /// \brief Keeps the range searched in selection out of the text observer while the session
+    /// replaces matches inside it, then grows or shrinks it by what the replacements added.
+    /// (The surface may report a batch of replacements as a change of whole paragraphs, which
+    /// would otherwise stretch the range over them.)
+    class ScopeHold {
+    public:
+        explicit ScopeHold(FindSession &session);
+        ~ScopeHold();
+        ScopeHold(const ScopeHold &) = delete;
+        ScopeHold &operator=(const ScopeHold &) = delete;
+
+    private:
+        FindSession &m_session;
+        int m_length;
+    };
 
     /// The document's plain text, made searchable (`FindQuery::searchable`) once per change.
     const QString &searchText();
@@ -130,6 +150,7 @@ private:
     bool m_highlightAll = true;
     bool m_inSelection = false;
     bool m_active = false;
+    bool m_holdScope = false;
     EditorSurface::TextSpan m_scope;
 
     CountState m_countState = CountState::Idle;

@@ -159,6 +159,7 @@ Syntax::EarlySearch Syntax::searchEarly(Variant variant, int method) const
 {
     const EditorSurface &surface = m_core.surface();
     EarlySearch early;
+    early.revision = surface.revision();
     early.subject = method == Syntax_All_Text ? surface.text() : surface.selectedText();
     early.matches = std::async(std::launch::async, &ColouringEngine::collect, early.subject, rulesFor(variant));
     return early;
@@ -181,6 +182,7 @@ void Syntax::colouringPass(Variant variant, int method, int formatting, EarlySea
     for (int attempt = 0; attempt < kMaxRestarts; ++attempt) {
         const int start = allText ? 0 : surface.selStart();
         // A restart reads the text as it is now and searches it again.
+        const quint64 revision = attempt == 0 ? early.revision : surface.revision();
         const QString subject = attempt == 0 ? early.subject : allText ? surface.text() : surface.selectedText();
         ColouringEngine engine = attempt == 0 ? ColouringEngine(subject, rules, early.matches.get())
                                               : ColouringEngine(subject, rules);
@@ -200,10 +202,13 @@ void Syntax::colouringPass(Variant variant, int method, int formatting, EarlySea
             return;
         }
         // The walk yielded: if the text changed meanwhile (the user typed), its positions no
-        // longer fit, so it starts over on the text as it is now.
-        const QString now = allText ? surface.text() : surface.textRange(start, int(subject.size()));
-        if (now != subject)
-            continue;
+        // longer fit, so it starts over on the text as it is now. An unchanged revision is an
+        // unchanged document, and then the text need not be read again to tell.
+        if (surface.revision() != revision) {
+            const QString now = allText ? surface.text() : surface.textRange(start, int(subject.size()));
+            if (now != subject)
+                continue;
+        }
 
         applyResult(engine, start, allText ? -1 : int(subject.size()), formatting);
         // Back to the first visible line of before the run. Only the part of the document down

@@ -2,9 +2,9 @@
 
 #include "syntax/colouringengine.h"
 
-#include <future>
-
 #include <QString>
+
+#include <future>
 
 namespace kvrtb {
 
@@ -68,6 +68,7 @@ private:
     /// The subject of a run, read at its start, and its matches being found on a worker thread.
     struct EarlySearch {
         QString subject;
+        quint64 revision = 0; ///< the surface's revision when the subject was read
         std::future<ColouringEngine::Matches> matches;
     };
 

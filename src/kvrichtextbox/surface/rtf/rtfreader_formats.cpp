@@ -87,10 +87,8 @@ void Reader::formatWord(Word word, std::string_view name, bool hasParam, int par
             change(para.borders[para.borderSide]);
         }
     };
-    const auto startSide = [this, &para](int side) {
+    const auto startSide = [&para](int side) {
         para.borderSide = side;
-        m_rowDef.borderTarget = -1;
-        m_nestedDef.borderTarget = -1;
         for (int s = 0; s < kBorderSides; ++s) {
             if (s == side || (side == kAllFourSides && s < 4))
                 para.borders[s] = BorderState();
@@ -137,8 +135,7 @@ void Reader::formatWord(Word word, std::string_view name, bool hasParam, int par
     case Word::BrdrBtw: startSide(int(BorderSide::Between)); break;
     case Word::Box: startSide(kAllFourSides); break;
     case Word::BrdrOther: para.borderSide = -1; break; // a cell's, row's, page's or characters' border
-    case Word::BrdrStyle:
-    case Word::BrdrNone: {
+    case Word::BrdrStyle: {
         const int count = borderStyleCount();
         int style = 0;
         while (style < count && name != borderStyleWords()[style])

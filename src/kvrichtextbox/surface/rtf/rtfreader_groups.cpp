@@ -93,16 +93,13 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     // Words that change which code page decodes the next bytes end the bytes gathered so far.
     if (!m_bytes.isEmpty())
         flushBytes();
-    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::BrdrNone)) {
-        // Border words describe the paragraph's border after \brdrt and the like, a cell's or
-        // row's after \clbrdrt or \trbrdrt.
-        const bool borderWord = word == Word::BrdrW || word == Word::BrdrCf || word == Word::BrdrStyle || word == Word::BrdrNone;
-        if (borderWord && state.para.borderSide >= 0) {
-            formatWord(word, name, hasParam, param);
-            return;
-        }
-        if (word >= Word::ClBrdrT && word <= Word::TrBrdrV)
-            state.para.borderSide = -1;
+    // Border details (\brdrw, \brdrcf, a style word) describe the border named last: a cell's or
+    // row's (\clbrdrt, \trbrdrl ...) or the paragraph's (\brdrt, \box ...).
+    if (word >= Word::ClBrdrT && word <= Word::ClDiagonal)
+        state.para.borderSide = -1;
+    const bool borderDetail = word == Word::BrdrW || word == Word::BrdrCf || word == Word::BrdrStyle;
+    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::ClDiagonal)
+        || (borderDetail && state.para.borderSide == -1)) {
         tableWord(word, name, hasParam, param);
         return;
     }

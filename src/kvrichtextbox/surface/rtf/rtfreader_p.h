@@ -86,7 +86,7 @@ enum class Word : quint16 {
     Caps, Scaps, Outl, Shad, Expnd, ExpndTw, S, Cs,
     // tab kinds and leaders, paragraph borders and shading
     Tqr, Tqc, Tqdec, TlDot, TlMdot, TlHyph, TlUl, TlTh, TlEq, BrdrT, BrdrB, BrdrL, BrdrR, Box, BrdrBtw,
-    BrdrOther, BrSp, Shading, CfPat, CbPat,
+    BrdrOther, BrdrStyle, BrdrW, BrdrCf, BrSp, Shading, CfPat, CbPat,
     // page setup
     PaperW, PaperH, MargL, MargR, MargT, MargB, Landscape, PgWSxn, PgHSxn, MargLSxn, MargRSxn,
     MargTSxn, MargBSxn, LndscpSxn,
@@ -97,7 +97,7 @@ enum class Word : quint16 {
     Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
     ClPadL, ClPadT, ClPadB, ClPadR, ClPadFL, ClPadFT, ClPadFB, ClPadFR, ClVertAlT, ClVertAlC, ClVertAlB,
     ClCbPat, ClCfPat, ClShdng, ClBrdrT, ClBrdrL, ClBrdrB, ClBrdrR, TrBrdrT, TrBrdrL, TrBrdrB, TrBrdrR,
-    TrBrdrH, TrBrdrV, BrdrW, BrdrCf, BrdrStyle, BrdrNone,
+    TrBrdrH, TrBrdrV, ClDiagonal,
     // legacy numbering
     PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
     PnIndent,

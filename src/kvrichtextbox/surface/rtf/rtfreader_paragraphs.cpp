@@ -123,7 +123,7 @@ void Reader::applyParagraph(const ParaState &para)
     // List paragraphs show the markers the surface draws; those that give their own indent
     // show their text there, the marker hanging in the first line's indent (their lists add
     // no indent of their own).
-    const bool listParagraph = m_tables.empty() && (para.ls > 0 || para.pn.numbering != 0);
+    const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
     const bool ownIndents = listParagraph && para.li > 0;
     if (listParagraph) {
         listmarkers::setDrawnBySurface(qt);

@@ -63,6 +63,35 @@ void moveCellContent(QTextTable *table, int row, int from, int to)
         target.insertFragment(fragment);
 }
 
+// Two cell formats with the same properties. (QTextFormat's own comparison can tell equal
+// brushes apart.)
+bool sameProperties(const QTextFormat &a, const QTextFormat &b)
+{
+    const QMap<int, QVariant> left = a.properties();
+    const QMap<int, QVariant> right = b.properties();
+    if (left.size() != right.size())
+        return false;
+    for (auto it = left.cbegin(); it != left.cend(); ++it) {
+        const auto other = right.constFind(it.key());
+        if (other == right.cend())
+            return false;
+        const bool brush = it->metaType().id() == QMetaType::QBrush;
+        if (brush ? it->value<QBrush>() != other->value<QBrush>() : *it != *other)
+            return false;
+    }
+    return true;
+}
+
+// True when the cell format gives the same border on its four sides and nothing else.
+bool isUniformBorder(const QTextTableCellFormat &f)
+{
+    QTextTableCellFormat same;
+    same.setBorder(f.topBorder());
+    same.setBorderStyle(f.topBorderStyle());
+    same.setBorderBrush(f.topBorderBrush());
+    return f.topBorder() > 0 && f.topBorderStyle() != QTextFrameFormat::BorderStyle_None && sameProperties(f, same);
+}
+
 QTextFrameFormat::BorderStyle styleOf(const CellBorder &border)
 {
     return QTextFrameFormat::BorderStyle(std::clamp<int>(border.style, 0, QTextFrameFormat::BorderStyle_Outset));
@@ -91,9 +120,11 @@ void Reader::applyTableLayout(TableBuild &build)
     std::sort(grid.begin(), grid.end());
     grid.erase(std::unique(grid.begin(), grid.end()), grid.end());
     const int columns = int(grid.size()) - 1;
-    if (size_t(columns) > kMaxGridColumns || size_t(columns) * size_t(rows) > kMaxGridCells || columns < table->columns())
+    if (size_t(columns) > kMaxGridColumns || size_t(columns) * size_t(rows) > kMaxGridCells)
         return;
-    if (table->columns() < columns)
+    if (table->columns() > columns) // made for a row definition wider than any row: empty
+        table->removeColumns(columns, table->columns() - columns);
+    else if (table->columns() < columns)
         table->appendColumns(columns - table->columns());
     auto columnOf = [&](int edge) { return int(std::lower_bound(grid.begin(), grid.end(), edge) - grid.begin()); };
 
@@ -197,8 +228,12 @@ void Reader::applyTableLayout(TableBuild &build)
             ++i;
         return i;
     };
+    // Filler cells draw no border, not even one the table gives its cells.
     QTextTableCellFormat filler;
     filler.setProperty(TableFillerCell, true);
+    filler.setBorder(0);
+    filler.setBorderStyle(QTextFrameFormat::BorderStyle_None);
+    std::vector<std::pair<QTextTableCell, QTextTableCellFormat>> formats;
     for (int r = 0; r < rows; ++r) {
         const RowDef &def = build.rowDefs[size_t(r)];
         const std::vector<int> &edges = rowEdges[size_t(r)];
@@ -236,8 +271,28 @@ void Reader::applyTableLayout(TableBuild &build)
                 table->mergeCells(r, column, down, across);
             // Cells past the definition have the properties of its last cell.
             const CellDef properties = def.cells.empty() ? CellDef() : def.cells[std::min(size_t(i), def.cells.size() - 1)];
-            table->cellAt(r, column).setFormat(cellFormat(def, properties, r, i, cellCount, down));
+            formats.emplace_back(table->cellAt(r, column), cellFormat(def, properties, r, i, cellCount, down));
         }
+    }
+    // Cells that all have the same border on every side and nothing else: the table draws it
+    // for them (one change to the document rather than one a cell).
+    const QTextTableCellFormat *shared = formats.empty() ? nullptr : &formats.front().second;
+    if (shared && !isUniformBorder(*shared))
+        shared = nullptr;
+    for (size_t i = 1; shared && i < formats.size(); ++i) {
+        if (!sameProperties(formats[i].second, *shared))
+            shared = nullptr;
+    }
+    if (shared) {
+        tableFormat.setBorder(shared->topBorder());
+        tableFormat.setBorderStyle(shared->topBorderStyle());
+        tableFormat.setBorderBrush(shared->topBorderBrush());
+        table->setFormat(tableFormat);
+        return;
+    }
+    for (auto &[cell, qt] : formats) {
+        if (!qt.properties().isEmpty())
+            cell.setFormat(qt);
     }
 }
 

@@ -30,6 +30,8 @@ std::pair<QTextFrame *, int> containerOf(const QTextBlock &block)
     return {frame, frame->firstPosition()};
 }
 
+constexpr CellSide kPaddingSides[4] = {SideLeft, SideTop, SideBottom, SideRight};
+
 qint8 borderStyleOf(std::string_view name)
 {
     // Styles Qt cannot draw (wavy, triple, thick-thin) are drawn as single lines.
@@ -53,6 +55,8 @@ qint8 borderStyleOf(std::string_view name)
         return qint8(QTextFrameFormat::BorderStyle_Outset);
     if (name == "brdrsh")
         return -1; // a shadow, not a style
+    if (name == "brdrnone" || name == "brdrnil" || name == "brdrtbl")
+        return qint8(QTextFrameFormat::BorderStyle_None);
     return qint8(QTextFrameFormat::BorderStyle_Solid);
 }
 
@@ -136,7 +140,10 @@ void Reader::startTable()
     tableFormat.setBorderCollapse(true);
     tableFormat.setCellSpacing(0);
     TableBuild build;
-    build.table = m_cursor.insertTable(1, 1, tableFormat);
+    // As many columns as the row definition in effect gives (adding columns later costs a
+    // change to every row); columns that no row uses are removed when the table ends.
+    const int columns = outermost ? std::clamp(int(m_rowDef.cells.size()), 1, 64) : 1;
+    build.table = m_cursor.insertTable(1, columns, tableFormat);
     m_tables.push_back(build);
     m_paragraphHasContent = false;
     m_lastWasPar = false;
@@ -242,26 +249,25 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
     case Word::ClVmgf: cell.merge |= MergeDownFirst; break;
     case Word::ClVmrg: cell.merge |= MergeDownContinue; break;
     case Word::TrGaph: def.gap = std::max(0, twips); break;
-    case Word::TrPaddL: def.padding[SideLeft] = qint16(std::max(0, twips)); break;
-    case Word::TrPaddT: def.padding[SideTop] = qint16(std::max(0, twips)); break;
-    case Word::TrPaddB: def.padding[SideBottom] = qint16(std::max(0, twips)); break;
-    case Word::TrPaddR: def.padding[SideRight] = qint16(std::max(0, twips)); break;
-    // Padding units: 3 is twips; 0 (or anything else) makes the padding not count.
-    case Word::TrPaddFL: if (param != 3) def.padding[SideLeft] = -1; break;
-    case Word::TrPaddFT: if (param != 3) def.padding[SideTop] = -1; break;
-    case Word::TrPaddFB: if (param != 3) def.padding[SideBottom] = -1; break;
-    case Word::TrPaddFR: if (param != 3) def.padding[SideRight] = -1; break;
+    // Padding, in the words' order left, top, bottom, right; the unit words say 3 for twips,
+    // and anything else makes the padding not count.
+    case Word::TrPaddL: case Word::TrPaddT: case Word::TrPaddB: case Word::TrPaddR:
+        def.padding[kPaddingSides[int(word) - int(Word::TrPaddL)]] = qint16(std::max(0, twips));
+        break;
+    case Word::TrPaddFL: case Word::TrPaddFT: case Word::TrPaddFB: case Word::TrPaddFR:
+        if (param != 3)
+            def.padding[kPaddingSides[int(word) - int(Word::TrPaddFL)]] = -1;
+        break;
     case Word::TrQl: def.align = 0; break;
     case Word::TrQc: def.align = 1; break;
     case Word::TrQr: def.align = 2; break;
-    case Word::ClPadL: cell.padding[SideLeft] = qint16(std::max(0, twips)); break;
-    case Word::ClPadT: cell.padding[SideTop] = qint16(std::max(0, twips)); break;
-    case Word::ClPadB: cell.padding[SideBottom] = qint16(std::max(0, twips)); break;
-    case Word::ClPadR: cell.padding[SideRight] = qint16(std::max(0, twips)); break;
-    case Word::ClPadFL: if (param != 3) cell.padding[SideLeft] = -1; break;
-    case Word::ClPadFT: if (param != 3) cell.padding[SideTop] = -1; break;
-    case Word::ClPadFB: if (param != 3) cell.padding[SideBottom] = -1; break;
-    case Word::ClPadFR: if (param != 3) cell.padding[SideRight] = -1; break;
+    case Word::ClPadL: case Word::ClPadT: case Word::ClPadB: case Word::ClPadR:
+        cell.padding[kPaddingSides[int(word) - int(Word::ClPadL)]] = qint16(std::max(0, twips));
+        break;
+    case Word::ClPadFL: case Word::ClPadFT: case Word::ClPadFB: case Word::ClPadFR:
+        if (param != 3)
+            cell.padding[kPaddingSides[int(word) - int(Word::ClPadFL)]] = -1;
+        break;
     case Word::ClVertAlT: cell.vAlign = 0; break;
     case Word::ClVertAlC: cell.vAlign = 1; break;
     case Word::ClVertAlB: cell.vAlign = 2; break;
@@ -278,6 +284,9 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
     case Word::TrBrdrR: def.borderTarget = 4 + SideRight; break;
     case Word::TrBrdrH: def.borderTarget = 4 + SideInsideH; break;
     case Word::TrBrdrV: def.borderTarget = 4 + SideInsideV; break;
+    case Word::ClDiagonal:
+        def.borderTarget = -1; // a diagonal line, which Qt cannot draw: its border words are dropped
+        break;
     case Word::BrdrW:
         if (CellBorder *border = borderTarget(def))
             border->width = qint16(std::clamp(param, 0, 1000));
@@ -292,10 +301,6 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
             if (style >= 0)
                 border->style = style;
         }
-        break;
-    case Word::BrdrNone:
-        if (CellBorder *border = borderTarget(def))
-            border->style = qint8(QTextFrameFormat::BorderStyle_None);
         break;
     default:
         break;

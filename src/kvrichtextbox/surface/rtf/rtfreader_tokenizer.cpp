@@ -89,14 +89,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"clcbpat", Word::ClCbPat}, {"clcfpat", Word::ClCfPat}, {"clshdng", Word::ClShdng},
         {"clbrdrt", Word::ClBrdrT}, {"clbrdrl", Word::ClBrdrL}, {"clbrdrb", Word::ClBrdrB}, {"clbrdrr", Word::ClBrdrR},
         {"trbrdrt", Word::TrBrdrT}, {"trbrdrl", Word::TrBrdrL}, {"trbrdrb", Word::TrBrdrB}, {"trbrdrr", Word::TrBrdrR},
-        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf},
-        {"brdrs", Word::BrdrStyle}, {"brdrth", Word::BrdrStyle}, {"brdrsh", Word::BrdrStyle},
-        {"brdrdb", Word::BrdrStyle}, {"brdrdot", Word::BrdrStyle}, {"brdrdash", Word::BrdrStyle},
-        {"brdrdashsm", Word::BrdrStyle}, {"brdrdashd", Word::BrdrStyle}, {"brdrdashdd", Word::BrdrStyle},
-        {"brdrhair", Word::BrdrStyle}, {"brdrtriple", Word::BrdrStyle}, {"brdrwavy", Word::BrdrStyle},
-        {"brdrwavydb", Word::BrdrStyle}, {"brdrinset", Word::BrdrStyle}, {"brdroutset", Word::BrdrStyle},
-        {"brdremboss", Word::BrdrStyle}, {"brdrengrave", Word::BrdrStyle}, {"brdrframe", Word::BrdrStyle},
-        {"brdrnone", Word::BrdrNone}, {"brdrnil", Word::BrdrNone}, {"brdrtbl", Word::BrdrNone},
+        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"cldgll", Word::ClDiagonal}, {"cldglu", Word::ClDiagonal},
         // What readers without nested tables read instead of them: dropped like other
         // stand-ins for constructs the reader knows.
         {"nonesttables", Word::NonShpPict},
@@ -129,12 +122,12 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"tqr", Word::Tqr}, {"tqc", Word::Tqc}, {"tqdec", Word::Tqdec}, {"tldot", Word::TlDot},
         {"tlmdot", Word::TlMdot}, {"tlhyph", Word::TlHyph}, {"tlul", Word::TlUl}, {"tlth", Word::TlTh},
         {"tleq", Word::TlEq},
-        // paragraph borders and shading; the border words of pages and characters end a paragraph's
+        // paragraph borders and shading; the border words of other owners end a paragraph's
         {"brdrt", Word::BrdrT}, {"brdrb", Word::BrdrB}, {"brdrl", Word::BrdrL}, {"brdrr", Word::BrdrR},
         {"box", Word::Box}, {"brdrbtw", Word::BrdrBtw}, {"brdrbar", Word::BrdrOther},
         {"chbrdr", Word::BrdrOther}, {"pgbrdrt", Word::BrdrOther},
         {"pgbrdrb", Word::BrdrOther}, {"pgbrdrl", Word::BrdrOther}, {"pgbrdrr", Word::BrdrOther},
-        {"brsp", Word::BrSp},
+        {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf}, {"brsp", Word::BrSp},
         {"shading", Word::Shading}, {"cfpat", Word::CfPat}, {"cbpat", Word::CbPat},
         // page setup
         {"paperw", Word::PaperW}, {"paperh", Word::PaperH}, {"margl", Word::MargL}, {"margr", Word::MargR},
@@ -143,8 +136,7 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"margrsxn", Word::MargRSxn}, {"margtsxn", Word::MargTSxn}, {"margbsxn", Word::MargBSxn},
         {"lndscpsxn", Word::LndscpSxn},
     };
-    // The border styles of paragraphs: one word each, told apart by their place in
-    // borderStyleWords() (those tables know too are in the list above).
+    // The border styles: one word each, told apart by their place in borderStyleWords().
     for (int i = 0; i < borderStyleCount(); ++i)
         table.emplace(borderStyleWords()[i], Word::BrdrStyle);
     return table;

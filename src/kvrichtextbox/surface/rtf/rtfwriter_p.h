@@ -73,7 +73,7 @@ private:
     void writeFrame(const QTextFrame *frame);
     void writeTable(const QTextTable *table);
     void writeRowDefinition(const QTextTable *table, int row, const std::vector<int> &rights, int left);
-    void writeCellBorders(const QTextTable *table, const QTextTableCellFormat &cell);
+    void writeCellBorders(const QTextTableFormat &tableFormat, const QTextTableCellFormat &cell);
     void writeCell(const QTextTableCell &cell);
     // True for the empty paragraph Qt keeps before a table at the start of the document or of a
     // cell: the user did not write it, and other readers would show it.

@@ -162,29 +162,27 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         m_props = beforeField;
         inField = false;
     };
-    auto closeLink = [&] {
-        if (!inLink)
+    // Ends an open link field or object group: "}}" and the properties from before it.
+    auto closeGroup = [&](bool &open, const RunProps &before) {
+        if (!open)
             return;
-        if (fieldInLink)
-            closeField();
         m_out += "}}";
         m_needSpace = false;
-        m_props = beforeLink;
-        inLink = false;
+        m_props = before;
+        open = false;
+    };
+    // A field inside a link's result ends with the link.
+    auto closeLink = [&] {
+        if (inLink && fieldInLink)
+            closeField();
+        closeGroup(inLink, beforeLink);
     };
     // Consecutive fragments of one embedded object's result are written inside its group
     // (rtfkept.h); a result that goes on from the paragraph before is written there.
     QByteArray object = m_objectAtParagraphEnd;
     bool inObject = false;
     RunProps beforeObject;
-    auto closeObject = [&] {
-        if (!inObject)
-            return;
-        m_out += "}}";
-        m_needSpace = false;
-        m_props = beforeObject;
-        inObject = false;
-    };
+    auto closeObject = [&] { closeGroup(inObject, beforeObject); };
     // A block's fragments follow each other, so their positions are counted here (asking
     // each fragment for its position walks the document's fragment tree every time).
     int fragmentStart = blockStart;

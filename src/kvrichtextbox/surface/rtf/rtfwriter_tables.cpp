@@ -41,11 +41,10 @@ bool Writer::isPlaceholderBeforeTable(const QTextBlock &block, bool tableFollows
            && !format.boolProperty(EmptyParagraphBeforeTable);
 }
 
-void Writer::writeCellBorders(const QTextTable *table, const QTextTableCellFormat &cell)
+void Writer::writeCellBorders(const QTextTableFormat &tableFormat, const QTextTableCellFormat &cell)
 {
     // A side without a border of its own has the table's border, which a table made in the
     // control draws around every cell.
-    const QTextTableFormat tableFormat = table->format();
     struct Side {
         const char *control;
         int width, style, brush;
@@ -106,7 +105,7 @@ void Writer::writeRowDefinition(const QTextTable *table, int r, const std::vecto
             word("clvertalc");
         else if (cellFormat.verticalAlignment() == QTextCharFormat::AlignBottom)
             word("clvertalb");
-        writeCellBorders(table, cellFormat);
+        writeCellBorders(tableFormat, cellFormat);
         if (cellFormat.background().style() != Qt::NoBrush)
             word("clcbpat", colourIndex(fromQColor(cellFormat.background().color())));
         static const std::pair<int, const char *> paddings[4] = {

@@ -158,8 +158,9 @@ void TestRtfFormats::stylesheetFormatsAreApplied()
     QTextDocument doc;
     const QByteArray written = writtenStably(
         doc, rtfOf(stylesheet + "\\pard\\plain\\s1 Title\\par\\pard\\plain\\s1\\b0 Quiet title\\par"
-                   "\\pard\\plain Body {\\cs2 stressed} text\\par\\pard\\plain\\s7 unknown style\\par"));
-    QCOMPARE(doc.toPlainText(), QStringLiteral("Title\nQuiet title\nBody stressed text\nunknown style"));
+                   "\\pard\\plain Body {\\cs2 stressed} text\\par\\pard\\plain\\s7 unknown style\\par"
+                   "\\pard\\s1\\i Styled\\par\\pard Next\\par"));
+    QCOMPARE(doc.toPlainText(), QStringLiteral("Title\nQuiet title\nBody stressed text\nunknown style\nStyled\nNext"));
     const format::CharDefaults defaults = format::defaultsOf(doc);
     const CharFormat title = format::readChar(formatOf(doc, QStringLiteral("Title")), defaults);
     QVERIFY(*title.bold);
@@ -177,6 +178,12 @@ void TestRtfFormats::stylesheetFormatsAreApplied()
     QCOMPARE(*stressed.color, Colour(0xFF0000));
     QVERIFY(!*format::readChar(formatOf(doc, QStringLiteral("Body")), defaults).italic);
     QVERIFY(!*format::readChar(formatOf(doc, QStringLiteral("unknown")), defaults).bold);
+    // The style's formats end with its paragraph; formats given with the words stay.
+    const CharFormat next = format::readChar(formatOf(doc, QStringLiteral("Next")), defaults);
+    QVERIFY(*format::readChar(formatOf(doc, QStringLiteral("Styled")), defaults).bold);
+    QVERIFY(!*next.bold);
+    QVERIFY(*next.italic);
+    QCOMPARE(*next.fontSize, *format::readChar(formatOf(doc, QStringLiteral("Body")), defaults).fontSize);
 
     // The stylesheet is written back once, as read; the formats are written with the text.
     QCOMPARE(written.count(stylesheet), 1);

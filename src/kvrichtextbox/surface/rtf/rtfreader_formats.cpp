@@ -35,6 +35,30 @@ int pageSetupFieldOf(Word word)
     }
 }
 
+// Gives \a to each character format of \a style that differs from the defaults; with \a undo,
+// sets back to the default each one that still has the style's value.
+void overlayStyle(CharState &to, const CharState &style, bool undo)
+{
+    static_assert(std::is_trivially_copyable_v<CharState> && sizeof(CharState) % sizeof(qint32) == 0);
+    constexpr size_t count = sizeof(CharState) / sizeof(qint32);
+    static const CharState defaults;
+    qint32 given[count];
+    qint32 plain[count];
+    qint32 now[count];
+    std::memcpy(given, &style, sizeof(CharState));
+    std::memcpy(plain, &defaults, sizeof(CharState));
+    std::memcpy(now, &to, sizeof(CharState));
+    for (size_t i = 0; i < count; ++i) {
+        if (given[i] == plain[i])
+            continue;
+        if (!undo)
+            now[i] = given[i];
+        else if (now[i] == given[i])
+            now[i] = plain[i];
+    }
+    std::memcpy(&to, now, sizeof(CharState));
+}
+
 bool isSectionWord(Word word)
 {
     return word == Word::PgWSxn || word == Word::PgHSxn || word == Word::MargLSxn || word == Word::MargRSxn
@@ -86,8 +110,11 @@ void Reader::formatWord(Word word, std::string_view name, bool hasParam, int par
             m_styleIsCharacter = word == Word::Cs;
         } else if (state.dest == Dest::Text) {
             const QHash<int, StyleDef> &styles = word == Word::S ? m_paragraphStyles : m_characterStyles;
-            if (const auto style = styles.constFind(param); style != styles.constEnd())
+            if (const auto style = styles.constFind(param); style != styles.constEnd()) {
                 applyStyle(*style, word == Word::S);
+                if (word == Word::S)
+                    para.style = param;
+            }
         }
         break;
 
@@ -143,20 +170,7 @@ void Reader::applyStyle(const StyleDef &style, bool paragraph)
 {
     // What the style gives, over what is in effect: the words after the style's number may
     // still change it.
-    static_assert(std::is_trivially_copyable_v<CharState> && sizeof(CharState) % sizeof(qint32) == 0);
-    constexpr size_t count = sizeof(CharState) / sizeof(qint32);
-    static const CharState defaults;
-    qint32 given[count];
-    qint32 plain[count];
-    qint32 now[count];
-    std::memcpy(given, &style.ch, sizeof(CharState));
-    std::memcpy(plain, &defaults, sizeof(CharState));
-    std::memcpy(now, &top().ch, sizeof(CharState));
-    for (size_t i = 0; i < count; ++i) {
-        if (given[i] != plain[i])
-            now[i] = given[i];
-    }
-    std::memcpy(&top().ch, now, sizeof(CharState));
+    overlayStyle(top().ch, style.ch, false);
     if (style.ch.font >= 0) {
         const auto font = m_fonts.constFind(style.ch.font);
         top().codePage = font != m_fonts.constEnd() && font->codePage ? font->codePage : m_docCodePage;
@@ -193,6 +207,22 @@ void Reader::applyStyle(const StyleDef &style, bool paragraph)
     take(to.fillColour, from.fillColour, none.fillColour);
     to.pageBreakBefore = to.pageBreakBefore || from.pageBreakBefore;
     to.rtl = to.rtl || from.rtl;
+}
+
+void Reader::leaveParagraphStyle()
+{
+    GroupState &state = top();
+    if (state.para.style < 0 || state.dest != Dest::Text)
+        return;
+    const auto style = m_paragraphStyles.constFind(state.para.style);
+    if (style == m_paragraphStyles.constEnd())
+        return;
+    // What still has the style's value came from the style: the next paragraph has its own.
+    overlayStyle(state.ch, style->ch, true);
+    if (style->ch.font >= 0 && state.ch.font < 0) {
+        const auto font = m_fonts.constFind(m_defaultFont);
+        state.codePage = font != m_fonts.constEnd() && font->codePage ? font->codePage : m_docCodePage;
+    }
 }
 
 void Reader::addFormatProperties(QTextCharFormat &qt, const CharState &state) const

@@ -208,6 +208,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::LtrPar: para.rtl = false; break;
 
     case Word::Pard:
+        leaveParagraphStyle();
         para = ParaState();
         m_bodyStarted = m_bodyStarted || dest == Dest::Text;
         break;

@@ -199,6 +199,7 @@ struct ParaState {
     qint32 shading = 0;     // hundredths of a percent
     qint32 patternColour = -1;
     qint32 fillColour = -1;
+    qint32 style = -1;      // the paragraph style applied (\s), -1 none
 };
 
 struct GroupState {
@@ -396,6 +397,8 @@ private:
     void addFormatProperties(QTextCharFormat &qt, const CharState &state) const;
     void applyParagraphFormats(QTextBlockFormat &qt, const ParaState &para) const;
     void applyStyle(const StyleDef &style, bool paragraph);
+    // At \pard: the character formats the paragraph's style gave end with it.
+    void leaveParagraphStyle();
     void keepGroupBytes(const GroupState &closing);
     void attachToPreviousCharacter(int property, const QString &name);
     // Bookmark starts not yet placed at the run's first character, at the end of the paragraph.

@@ -22,11 +22,11 @@ namespace kvrtb::listmarkers {
 
 /// The list format property that holds the bullet a bulleted list shows (QString; "•" when
 /// absent).
-inline constexpr int BulletTextProperty = QTextFormat::UserProperty + 60;
+inline constexpr int BulletTextProperty = QTextFormat::UserProperty + 70;
 
 /// The list format property that holds a list's level (0 to 8) when its Qt indent does not
 /// tell it: lists whose paragraphs give their own indents have a Qt indent of 0.
-inline constexpr int ListLevelProperty = QTextFormat::UserProperty + 61;
+inline constexpr int ListLevelProperty = QTextFormat::UserProperty + 71;
 
 /// \brief The level (0 to 8) of a list of format \a format.
 int levelOf(const QTextListFormat &format);

@@ -28,7 +28,7 @@ enum KeptProperty {
     KeptDocumentGroups = QTextFormat::UserProperty + 46,
     /// QByteArray, on the characters an embedded object shows (its \result): the object's
     /// group up to its result ("{\object...{\*\objdata ...}"), written back around them.
-    KeptObjectGroup = QTextFormat::UserProperty + 62,
+    KeptObjectGroup = QTextFormat::UserProperty + 74,
 };
 
 } // namespace kvrtb::rtf

@@ -17,11 +17,11 @@ namespace kvrtb::rtf {
 enum TableProperty {
     /// bool, on a table cell's format: the cell fills the part of the grid a shorter row does
     /// not cover.
-    TableFillerCell = QTextFormat::UserProperty + 60,
+    TableFillerCell = QTextFormat::UserProperty + 72,
     /// bool, on an empty paragraph at the start of the document or of a cell, right before a
     /// table: the source wrote this paragraph. Qt keeps an empty paragraph there in any case;
     /// without this property it is only Qt's, and is not written.
-    EmptyParagraphBeforeTable = QTextFormat::UserProperty + 61,
+    EmptyParagraphBeforeTable = QTextFormat::UserProperty + 73,
 };
 
 } // namespace kvrtb::rtf

@@ -149,22 +149,27 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     QString linkAddress;
     bool linkEffect = false;
     RunProps beforeLink;
-    // Ends an open link field or object group: "}}" and the properties from before it.
-    auto closeGroup = [&](bool &open, const RunProps &before) {
-        if (!open)
+    auto closeLink = [&] {
+        if (!inLink)
             return;
         m_out += "}}";
         m_needSpace = false;
-        m_props = before;
-        open = false;
+        m_props = beforeLink;
+        inLink = false;
     };
-    auto closeLink = [&] { closeGroup(inLink, beforeLink); };
     // Consecutive fragments of one embedded object's result are written inside its group
     // (rtfkept.h); a result that goes on from the paragraph before is written there.
     QByteArray object = m_objectAtParagraphEnd;
     bool inObject = false;
     RunProps beforeObject;
-    auto closeObject = [&] { closeGroup(inObject, beforeObject); };
+    auto closeObject = [&] {
+        if (!inObject)
+            return;
+        m_out += "}}";
+        m_needSpace = false;
+        m_props = beforeObject;
+        inObject = false;
+    };
     // A block's fragments follow each other, so their positions are counted here (asking
     // each fragment for its position walks the document's fragment tree every time).
     int fragmentStart = blockStart;

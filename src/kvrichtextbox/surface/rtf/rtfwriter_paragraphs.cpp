@@ -198,6 +198,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         const QByteArray objectGroup = qt.property(KeptObjectGroup).toByteArray();
         if (objectGroup != object) {
             closeLink();
+            closeField();
             closeObject();
             object = objectGroup;
             if (!object.isEmpty()) {

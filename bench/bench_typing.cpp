@@ -23,7 +23,8 @@ using namespace kvrtb;
 
 namespace {
 
-constexpr int kKeystrokes = 2000;
+/// Keys typed into each editor (KVRTB_TYPING_KEYS in the environment may lower it for a quick look).
+const int kKeystrokes = qEnvironmentVariableIsSet("KVRTB_TYPING_KEYS") ? qEnvironmentVariableIntValue("KVRTB_TYPING_KEYS") : 2000;
 /// The caret jumps elsewhere every this many keys, so each jump starts a new run of typing.
 constexpr int kKeysPerRun = 200;
 
@@ -142,7 +143,13 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     std::setvbuf(stdout, nullptr, _IOLBF, 0); // figures appear as they are measured
     std::printf("Typing benchmark (figures from a shared, busy machine: read them as rough).\n");
-    run(1 << 20);
-    run(5 << 20);
+    // Sizes in KB may be given on the command line; by default 1 MB and 5 MB.
+    const QStringList sizes = app.arguments().mid(1);
+    if (sizes.isEmpty()) {
+        run(1 << 20);
+        run(5 << 20);
+    }
+    for (const QString &size : sizes)
+        run(size.toInt() * 1024);
     return 0;
 }

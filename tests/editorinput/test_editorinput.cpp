@@ -18,6 +18,9 @@
 #include <QTest>
 #include <QTextEdit>
 
+#include <functional>
+#include <memory>
+
 using namespace kvrtb;
 
 namespace {
@@ -105,6 +108,8 @@ private slots:
     void shortcutsActOnTheSelection();
     void undoKeysAndTypedRuns();
     void selectAllThenDeleteCanBeUndone();
+    void keptSnapshotRestoresWhatAWrittenOneDoes();
+    void keptSnapshotSurvivesWhatEndsTheHistory();
     void typedAddressIsLinkedAndOpensOnClick();
     void mouseUpLowersTheRewriteFlag();
     void popupMenuItemsAndCommands();
@@ -322,6 +327,184 @@ void TestEditorInput::selectAllThenDeleteCanBeUndone()
     QCOMPARE(s.control.Text(), QString());
     s.key(Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(s.control.Text(), QStringLiteral("Everything the user wrote"));
+}
+
+namespace {
+
+const char kFormattedStart[] = "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}{\\f1 Courier New;}}"
+                               "{\\colortbl;\\red200\\green0\\blue0;}\n"
+                               "\\pard\\f0\\fs20 First {\\b bold} line with {\\i italic words}.\\par\n"
+                               "Second line, {\\cf1 coloured} and {\\f1 code}.\\par\n"
+                               "\\qc Third line centred.\\par\n}";
+
+/// What the user saw: the document after the edits, after one undo key and after another.
+struct UndoOutcome {
+    QString edited, undone, redone;
+    int undoneStart = -1;
+    int undoneLength = -1;
+    bool operator==(const UndoOutcome &other) const
+    {
+        return edited == other.edited && undone == other.undone && redone == other.redone &&
+               undoneStart == other.undoneStart && undoneLength == other.undoneLength;
+    }
+};
+
+enum class Snapshot { Written, Kept, KeptThenRead };
+
+/// Runs \a edits on a fresh shown control holding the formatted start, with the snapshot taken
+/// the given way, then presses Ctrl+Z twice with the editor's own one-step undo emptied (so
+/// that both presses go to the snapshot).
+template <typename Edits>
+UndoOutcome undoAfter(Snapshot how, Edits edits)
+{
+    threadState() = ThreadState();
+    SpecialUndo::setKeepSnapshotsInHistory(how != Snapshot::Written);
+    UndoOutcome out;
+    {
+        Shown s;
+        s.control.setTextRTF(QString::fromLatin1(kFormattedStart));
+        s.control.EmptyRTBUndoRedoBuffer();
+        edits(s);
+        out.edited = s.control.TextRTF();
+        if (how == Snapshot::KeptThenRead)
+            SpecialUndo::snapshotText();
+        s.control.EmptyRTBUndoRedoBuffer();
+        s.key(Qt::Key_Z, Qt::ControlModifier);
+        out.undone = s.control.TextRTF();
+        out.undoneStart = s.control.SelStart();
+        out.undoneLength = s.control.SelLength();
+        s.key(Qt::Key_Z, Qt::ControlModifier);
+        out.redone = s.control.TextRTF();
+    }
+    SpecialUndo::setKeepSnapshotsInHistory(true);
+    return out;
+}
+
+} // namespace
+
+void TestEditorInput::keptSnapshotRestoresWhatAWrittenOneDoes()
+{
+    QApplication::clipboard()->setText(QStringLiteral("pasted words"));
+    const QList<std::pair<const char *, std::function<void(Shown &)>>> cases = {
+        {"typing", [](Shown &s) { s.control.setSelStart(6); s.type("typed words "); }},
+        {"two runs", [](Shown &s) {
+             s.control.setSelStart(6);
+             s.type("one ");
+             s.leftClick(30);
+             s.type("two ");
+         }},
+        {"Backspace run", [](Shown &s) {
+             s.control.setSelStart(20);
+             for (int i = 0; i < 6; ++i)
+                 s.key(Qt::Key_Backspace);
+             s.type("x");
+         }},
+        {"Delete of a selection", [](Shown &s) {
+             s.control.setSelStart(3);
+             s.control.setSelLength(15);
+             s.key(Qt::Key_Delete);
+         }},
+        {"select all, Delete", [](Shown &s) {
+             s.key(Qt::Key_A, Qt::ControlModifier);
+             s.key(Qt::Key_Delete);
+         }},
+        {"paste", [](Shown &s) {
+             s.control.setSelStart(10);
+             s.type("a");
+             s.key(Qt::Key_V, Qt::ControlModifier);
+             s.type("b");
+         }},
+        {"format toggles", [](Shown &s) {
+             s.control.setSelStart(6);
+             s.type("ab");
+             s.key(Qt::Key_B, Qt::ControlModifier);
+             s.type("cd");
+             s.key(Qt::Key_B, Qt::ControlModifier);
+             s.key(Qt::Key_I, Qt::ControlModifier);
+             s.type("ef");
+         }},
+        {"link typed", [](Shown &s) {
+             s.control.setSelStart(6);
+             s.type("see www.example.com and ");
+             s.key(Qt::Key_Return);
+             s.type("me@host.org ");
+         }},
+    };
+    for (const auto &[name, edits] : cases) {
+        const UndoOutcome written = undoAfter(Snapshot::Written, edits);
+        // The undo changed the document (the snapshot is not the edited state)...
+        QVERIFY2(written.undone != written.edited, name);
+        QCOMPARE(written.redone, written.edited);
+        // ...and a kept snapshot, restored through the history or written when read, gives
+        // exactly what the written one gives.
+        const UndoOutcome kept = undoAfter(Snapshot::Kept, edits);
+        QVERIFY2(kept == written, name);
+        QVERIFY2(undoAfter(Snapshot::KeptThenRead, edits) == written, name);
+    }
+}
+
+void TestEditorInput::keptSnapshotSurvivesWhatEndsTheHistory()
+{
+    // A new document ends the history: the kept snapshot is written first, and the undo key
+    // still brings back the text as it was before the typing.
+    {
+        Shown s(QStringLiteral("keep this"));
+        s.control.setSelStart(4);
+        s.type(" and that");
+        s.control.setTextRTF(QStringLiteral("{\\rtf1 loaded}"));
+        QCOMPARE(SpecialUndo::snapshotText().contains(QLatin1String("keep this")), true);
+        s.key(Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(s.control.Text(), QStringLiteral("keep this"));
+        QCOMPARE(s.control.SelStart(), 4);
+    }
+    // The control that took it goes away: another control's undo still gets it.
+    {
+        auto first = std::make_unique<Shown>(QStringLiteral("from the first"));
+        first->control.setSelStart(4);
+        first->type("X");
+        first.reset();
+        Shown second(QStringLiteral("second"));
+        second.control.HyperUndo();
+        QCOMPARE(second.control.Text(), QStringLiteral("from the first"));
+    }
+    // Typing on after a snapshot of the current state: what is typed after it is not taken
+    // into it, although the editor joins adjacent typing into one undo step.
+    {
+        Shown s(QStringLiteral("base"));
+        s.control.setSelStart(4);
+        s.type(" one");
+        s.control.SaveSpecialUndoData();
+        s.type(" two");
+        s.control.EmptyRTBUndoRedoBuffer();
+        s.key(Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(s.control.Text(), QStringLiteral("base one"));
+    }
+    // The editor's one-step undo stepping below a snapshot taken of the current state: the
+    // snapshot is written first, so the typing that follows cannot lose it.
+    {
+        Shown s(QStringLiteral("base"));
+        s.control.setSelStart(4);
+        s.type(" more");
+        s.control.SaveSpecialUndoData();
+        s.key(Qt::Key_Z, Qt::ControlModifier); // the editor's step: " more" goes
+        QCOMPARE(s.control.Text(), QStringLiteral("base"));
+        s.control.RichTextBox1().replaceSelection(QStringLiteral("!")); // an edit that takes no snapshot
+        s.control.EmptyRTBUndoRedoBuffer();
+        s.control.HyperUndo();
+        QCOMPARE(s.control.Text(), QStringLiteral("base more"));
+    }
+    // The editor's own many-step history keys cannot walk past the control's undo.
+    {
+        Shown s(QStringLiteral("abc"));
+        s.control.setSelStart(3);
+        s.type("d");
+        s.key(Qt::Key_Return);
+        s.type("e");
+        s.key(Qt::Key_Backspace, Qt::AltModifier);
+        s.key(Qt::Key_Backspace, Qt::AltModifier);
+        s.key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(s.control.Text(), QStringLiteral("abcd\ne"));
+    }
 }
 
 void TestEditorInput::typedAddressIsLinkedAndOpensOnClick()

@@ -347,8 +347,8 @@ private slots:
         QCOMPARE(c.events.names, (QStringList{"Begin", "Finish", "Ready", "Begin", "Finish", "Ready"}));
         // The snapshot is the document before the typing: it can be restored by the control's undo.
         QVERIFY(threadState().specialUndo.available);
-        QVERIFY(threadState().specialUndo.text.contains(QLatin1String("second")));
-        QVERIFY(!threadState().specialUndo.text.contains(QLatin1String("host")));
+        QVERIFY(SpecialUndo::snapshotText().contains(QLatin1String("second")));
+        QVERIFY(!SpecialUndo::snapshotText().contains(QLatin1String("host")));
         QCOMPARE(c.surface().text(), QStringLiteral("first www.one.org\nplain words\nsecond me@host.org and more"));
 
         // A line with nothing that could be an address: no snapshot, no change.

@@ -7,6 +7,7 @@
 #include <QMargins>
 #include <QPoint>
 #include <QRect>
+#include <QSize>
 #include <QString>
 
 #include <functional>
@@ -125,6 +126,16 @@ struct PageRenderRequest {
     std::function<void(QPainter &painter, const PageFrame &frame)> decorate;
 };
 
+/// \brief The page a document brought with it (an RTF file's page setup), in twips. A size or
+/// margin the document did not give is 0.
+struct DocumentPage {
+    QSize paperTwips;      ///< width and height as the paper is used (wider than high in landscape)
+    QMargins marginsTwips; ///< left, top, right, bottom
+    bool landscape = false;
+    bool hasPaper() const { return paperTwips.width() > 0 && paperTwips.height() > 0; }
+    bool hasMargins() const { return !marginsTwips.isNull(); }
+};
+
 /// Kinds of document file the surface reads and writes itself.
 enum class SurfaceFileType { Rtf = 0, Text = 1 };
 
@@ -220,6 +231,19 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief A run of characters that takes one text colour (0x00BBGGRR or a system colour).
+    struct ColourRun {
+        int start = 0;
+        int length = 0;
+        Colour colour = 0;
+    };
+    /// Recolours a range in one edit (one undo step, one relayout): the set fields of \a base go
+    /// over [start, start + length) (length -1 = to the end), then each run sets its colour, in
+    /// list order (a later run wins where runs overlap). The result is that of `applyCharFormats`
+    /// with \a base as the first span and one colour-only span per run, but much cheaper for tens
+    /// of thousands of runs: it is how a whole source file is coloured at once. The selection
+    /// does not move.
+    virtual void applyColourRuns(int start, int length, const CharFormat &base, const QList<ColourRun> &runs) = 0;
     /// \brief A same-length rewrite: the characters from `start` become those of `text`.
     struct TextRewrite {
         int start = 0;
@@ -315,6 +339,34 @@ public:
     virtual void undo() = 0;
     virtual void emptyUndoBuffer() = 0;
 
+    // --- History point: an earlier state kept without copying it ----------------------------
+    /// \brief Records the current state of the document as a point in the surface's own edit
+    /// history, so that it can be read or gone back to later without having been copied.
+    ///
+    /// A surface holds at most one point; marking forgets the earlier one (its \a beforeLost is
+    /// not called). While a point is held, `emptyUndoBuffer` ends only the one-step undo and
+    /// keeps the history the point needs. Before anything that would lose that history (a new
+    /// document through `setRtf` or `setText`, an undo stepping below the point, the surface
+    /// going away) the surface calls \a beforeLost once, while the point can still be read, and
+    /// then forgets the point. The edit history has no size limit, so nothing else loses it.
+    /// \return false when the surface keeps no history; the caller must then copy the state.
+    virtual bool markHistoryPoint(std::function<void()> beforeLost) = 0;
+    /// True while a point is held (even one whose history turned out not to lead back).
+    virtual bool hasHistoryPoint() const = 0;
+    /// Takes the document back to the point, calls \a read (which may only read the surface)
+    /// and brings the document forward again. Afterwards the document, the selection, the
+    /// scroll position, `revision` and the modified flag are as before, and neither the
+    /// listener nor the contents observers heard of the round trip.
+    /// \return false, without calling \a read, when no point is held or the history no longer
+    /// leads back to it exactly.
+    virtual bool readAtHistoryPoint(const std::function<void()> &read) = 0;
+    /// Takes the document back to the point for good, as `setRtf` of the point's RTF would: the
+    /// edit history is emptied, the caret goes to the start, the modified flag is set. The point
+    /// is forgotten. \return false, changing nothing, when `readAtHistoryPoint` would fail.
+    virtual bool restoreHistoryPoint() = 0;
+    /// Drops the point without calling its \a beforeLost.
+    virtual void forgetHistoryPoint() = 0;
+
     // --- Clipboard --------------------------------------------------------------------------
     virtual void cut() = 0;
     virtual void copy() const = 0;
@@ -374,6 +426,9 @@ public:
     /// output file that cannot be written, margins that leave no room for text).
     virtual int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                             QString *error = nullptr) const = 0;
+    /// The paper and margins the document came with (loaded RTF's page setup, written back when
+    /// it is saved as RTF), or nothing when it has none: printing uses them when given.
+    virtual std::optional<DocumentPage> documentPage() const = 0;
 
     // --- Decorations -------------------------------------------------------------------------
     /// \brief What a decoration marks; each layer is replaced on its own.

@@ -4,9 +4,17 @@
 
 namespace kvrtb {
 
+class EditorSurface;
+
 /// \brief The one-step document snapshot that the control's own undo restores.
+///
+/// Taking a snapshot writes nothing: the state stays a history point of the surface it was
+/// taken from (`keptBy`), and is written as RTF only when it is read or when that surface is
+/// about to lose the history. Read the text through `SpecialUndo::snapshotText`.
 struct SpecialUndoSlot {
-    QString text;           ///< normalised RTF of the whole document
+    QString writtenText;    ///< normalised RTF of the whole document, once written
+    EditorSurface *keptBy = nullptr; ///< the surface whose history point holds the snapshot
+    bool readable = true;   ///< false when the kept state could not be read back
     int selLength = 0;
     int selStart = 0;
     bool available = false; ///< false until the first capture; nothing sets it back

@@ -96,13 +96,53 @@ QString SpecialUndo::StripLineBreaks(const QString &text)
     return result;
 }
 
+namespace {
+struct SnapshotPolicy {
+    bool keepInHistory = true;
+};
+} // namespace
+
+void SpecialUndo::setKeepSnapshotsInHistory(bool keep)
+{
+    perThread<SnapshotPolicy>().keepInHistory = keep;
+}
+
+QString SpecialUndo::snapshotText()
+{
+    SpecialUndoSlot &slot = threadState().specialUndo;
+    if (slot.keptBy)
+        writeKeptSnapshot(slot.keptBy);
+    return slot.writtenText;
+}
+
+void SpecialUndo::writeKeptSnapshot(EditorSurface *surface)
+{
+    SpecialUndoSlot &slot = threadState().specialUndo;
+    if (slot.keptBy != surface)
+        return; // a later capture replaced it
+    slot.keptBy = nullptr;
+    QString text;
+    slot.readable = surface->readAtHistoryPoint([&text, surface] { text = CaptureUndoSnapshot(*surface); });
+    slot.writtenText = text;
+    surface->forgetHistoryPoint();
+}
+
 void SpecialUndo::storeInSlot()
 {
     EditorSurface &surface = m_core.surface();
     SpecialUndoSlot &slot = threadState().specialUndo;
     slot.selLength = surface.selLength();
     slot.selStart = surface.selStart();
-    slot.text = CaptureUndoSnapshot(surface);
+    if (slot.keptBy)
+        slot.keptBy->forgetHistoryPoint();
+    slot.keptBy = nullptr;
+    slot.writtenText.clear();
+    slot.readable = true;
+    EditorSurface *kept = &surface;
+    if (perThread<SnapshotPolicy>().keepInHistory && surface.markHistoryPoint([kept] { writeKeptSnapshot(kept); }))
+        slot.keptBy = kept;
+    else
+        slot.writtenText = CaptureUndoSnapshot(surface);
     m_linkUndoPending = true;
 }
 
@@ -182,7 +222,22 @@ void SpecialUndo::HyperUndo()
         const int currentStart = surface.selStart();
         const int currentLength = surface.selLength();
 
-        if (surface.setRtf(trimSpaces(state.specialUndo.text))) {
+        SpecialUndoSlot &slot = state.specialUndo;
+        bool restored = false;
+        if (slot.keptBy == &surface) {
+            // The snapshot is this document's own history point: going back through the
+            // history gives the state itself, without writing and reading it as RTF.
+            slot.keptBy = nullptr;
+            restored = surface.restoreHistoryPoint();
+            if (!restored) {
+                surface.forgetHistoryPoint();
+                slot.readable = false;
+            }
+        } else {
+            const QString snapshot = snapshotText();
+            restored = slot.readable && surface.setRtf(trimSpaces(snapshot));
+        }
+        if (restored) {
             if (m_core.properties().DetectHyperLinks) {
                 state.rewriteInProgress = false;
                 // The linking pass remembers its own top position; the snapshot's is the one
@@ -191,8 +246,8 @@ void SpecialUndo::HyperUndo()
                 m_core.hyperlinks().HyperLinkDocument();
                 state.savedTopPosition = snapshotTop;
             }
-            surface.setSelStart(state.specialUndo.selStart);
-            surface.setSelLength(state.specialUndo.selLength);
+            surface.setSelStart(slot.selStart);
+            surface.setSelLength(slot.selLength);
             freeze.release();
 
             if (state.lastUndoKind == HyperLinkUD)
@@ -201,9 +256,10 @@ void SpecialUndo::HyperUndo()
                 m_core.hyperlinks().RestoreTopPositionTo(state.replacePositionRestored ? state.savedTopPosition
                                                                                         : state.replaceTopPosition);
 
-            state.specialUndo.text = currentText;
-            state.specialUndo.selLength = currentLength;
-            state.specialUndo.selStart = currentStart;
+            slot.writtenText = currentText;
+            slot.readable = true;
+            slot.selLength = currentLength;
+            slot.selStart = currentStart;
         }
     }
     m_core.events().finish();

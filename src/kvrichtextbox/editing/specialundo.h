@@ -12,7 +12,9 @@ class EditorSurface;
 ///
 /// The slot (normalised RTF, selection start and length, the "available" flag) lives in the
 /// per-thread state and is shared by every control on the thread: a capture by one control
-/// replaces the snapshot for all. `HyperUndo` swaps the document with the slot, so calling it
+/// replaces the snapshot for all. A capture costs no copy of the document: the state is kept as
+/// a point in the surface's edit history and written as RTF only when it must be (see
+/// `snapshotText`); `HyperUndo` on the control that took it goes back through the history. `HyperUndo` swaps the document with the slot, so calling it
 /// twice returns everything as it was.
 ///
 /// The undo-run state belongs to each control: 0 no snapshot taken for the current run of
@@ -63,9 +65,23 @@ public:
     /// Trims leading and trailing spaces and removes every CR LF pair.
     static QString StripLineBreaks(const QString &text);
 
+    /// The thread's snapshot as normalised RTF, written now if it was still kept as a surface's
+    /// history point (which that surface then forgets). Empty when the kept state could not be
+    /// read back.
+    static QString snapshotText();
+    /// With false, every capture on this thread writes the document's RTF at once instead of
+    /// keeping the state as a history point: slower at the start of a typing run in a long
+    /// document, but the snapshot no longer rests on the document's edit history. On (true) by
+    /// default.
+    static void setKeepSnapshotsInHistory(bool keep);
+
 private:
     /// Stores selection and snapshot in the slot (the available flag is set by the callers).
+    /// The snapshot is kept as a history point of the surface, not written.
     void storeInSlot();
+    /// Writes the snapshot that \a surface keeps into the slot, if the slot's snapshot is still
+    /// the one it keeps.
+    static void writeKeptSnapshot(EditorSurface *surface);
 
     ControlCore &m_core;
     int m_undoRunState = 0;

@@ -125,12 +125,15 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
             m_decorationsStale = false;
             applyDecorations(false);
         }
-        if (m_listener)
+        if (m_listener && !m_quietHistory)
             m_listener->change();
     });
     connect(doc, &QTextDocument::undoCommandAdded, this, [this] {
         if (!m_undoing)
             m_lastWasUndo = false;
+        // An edit made below the history point cut off the way back to it.
+        if (m_historyPoint >= 0 && document()->availableUndoSteps() <= m_historyPoint)
+            m_historyPointBroken = true;
     });
     connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
     connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] {
@@ -145,13 +148,15 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     });
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, &QtEditorSurface::onCursorMoved);
     connect(m_edit, &QTextEdit::selectionChanged, this, &QtEditorSurface::onCursorMoved);
+    connect(m_edit, &SurfaceTextEdit::aboutToBeDestroyed, this, [this] { letGoOfHistoryPoint(); });
     connect(m_edit, &QObject::destroyed, this, [this] { m_edit = nullptr; });
 }
 
 QtEditorSurface::~QtEditorSurface()
 {
-    // The widget may already have gone with its parent.
+    // The widget may already have gone with its parent (it let go of the history point then).
     if (m_edit) {
+        letGoOfHistoryPoint();
         m_edit->setListener(nullptr);
         disconnect(m_edit, nullptr, this, nullptr);
         disconnect(m_edit->document(), nullptr, this, nullptr);
@@ -168,6 +173,10 @@ QTextDocument *QtEditorSurface::document() const
 
 void QtEditorSurface::onContentsChange(int from, int removed, int added)
 {
+    if (m_quietHistory) {
+        markLinesDirty();
+        return; // a round trip through the history: the document ends as it was
+    }
     ++m_revision;
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;
@@ -187,7 +196,7 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
 
 void QtEditorSurface::onCursorMoved()
 {
-    if (m_freezeCount > 0)
+    if (m_freezeCount > 0 || m_quietHistory)
         return;
     const int start = selStart();
     const int length = selLength();
@@ -253,6 +262,7 @@ QString QtEditorSurface::text() const
 
 void QtEditorSurface::setText(const QString &text)
 {
+    letGoOfHistoryPoint();
     pauseBatch();
     // The document's own setPlainText gives the text the default format; the editor's would
     // carry over the format at the caret (text set after bold RTF would come out bold).
@@ -260,6 +270,7 @@ void QtEditorSurface::setText(const QString &text)
     m_edit->setTextCursor(QTextCursor(document()));
     resumeBatch();
     m_lastWasUndo = false;
+    m_undoFloor = 0;
     m_modified = true;
     if (m_freezeCount > 0)
         m_frozenCursor = QTextCursor(document());
@@ -291,6 +302,7 @@ bool QtEditorSurface::setRtf(const QString &rtfText, QString *error)
         setText(rtfText);
         return true;
     }
+    letGoOfHistoryPoint();
     pauseBatch();
     const rtf::ReadResult result = rtf::readRtf(*document(), bytes);
     resumeBatch();
@@ -299,8 +311,7 @@ bool QtEditorSurface::setRtf(const QString &rtfText, QString *error)
             *error = result.error;
         return false;
     }
-    document()->clearUndoRedoStacks();
-    m_lastWasUndo = false;
+    clearHistory();
     m_modified = true;
     setCursor(QTextCursor(document()));
     markLinesDirty();
@@ -496,29 +507,6 @@ void QtEditorSurface::setDocumentCharFormat(const CharFormat &change)
     setRangeCharFormat(0, -1, change);
 }
 
-void QtEditorSurface::applyCharFormats(const QList<FormatSpan> &spans)
-{
-    QTextDocument *doc = document();
-    // A large batch touches blocks all over the document. Qt would lay out the whole changed
-    // range at once when the edit closes; with the page size withdrawn for the batch, the
-    // layout starts over lazily instead: the visible part at once, the rest when idle.
-    const bool relayoutLazily = spans.size() >= 256;
-    const QSizeF pageSize = doc->pageSize();
-    if (relayoutLazily)
-        doc->setPageSize(QSizeF());
-    QTextCursor batch(doc);
-    batch.beginEditBlock();
-    for (const FormatSpan &span : spans) {
-        QTextCursor range = rangeCursor(span.start, span.length);
-        if (range.hasSelection())
-            format::applyCharFormat(range, span.format);
-    }
-    batch.endEditBlock();
-    if (relayoutLazily)
-        doc->setPageSize(pageSize);
-    markLinesDirty();
-}
-
 // --- Paragraph format -----------------------------------------------------------------------
 
 ParaFormat QtEditorSurface::selectionParaFormat() const
@@ -612,15 +600,18 @@ bool QtEditorSurface::canUndo() const
 {
     flushBatch();
     const QTextDocument *doc = document();
-    return m_lastWasUndo ? doc->isRedoAvailable() : doc->isUndoAvailable();
+    return m_lastWasUndo ? doc->isRedoAvailable() : doc->availableUndoSteps() > m_undoFloor;
 }
 
 void QtEditorSurface::undo()
 {
     if (!canUndo())
         return;
-    m_undoing = true;
     const bool redo = m_lastWasUndo;
+    // Stepping below the history point would let the next edit cut off the way back to it.
+    if (!redo && m_historyPoint >= 0 && document()->availableUndoSteps() <= m_historyPoint)
+        letGoOfHistoryPoint();
+    m_undoing = true;
     withWidgetCursor([redo](SurfaceTextEdit *edit) {
         if (redo)
             edit->redo();
@@ -635,9 +626,19 @@ void QtEditorSurface::undo()
 void QtEditorSurface::emptyUndoBuffer()
 {
     pauseBatch();
-    document()->clearUndoRedoStacks();
+    if (m_historyPoint >= 0) {
+        // The history down to the point is kept; only the one-step undo ends here.
+        // The floor is at or above the point, and the one-step undo cannot go below it, so the
+        // document is never at the point again unless it is at the floor: the next edit made
+        // there must start an undo step of its own (see markHistoryPoint).
+        document()->clearUndoRedoStacks(QTextDocument::RedoStack);
+        m_undoFloor = document()->availableUndoSteps();
+        m_lastWasUndo = false;
+        document()->setModified(false);
+    } else {
+        clearHistory();
+    }
     resumeBatch();
-    m_lastWasUndo = false;
 }
 
 // --- Clipboard ------------------------------------------------------------------------------

@@ -55,6 +55,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void applyColourRuns(int start, int length, const CharFormat &base, const QList<ColourRun> &runs) override;
     void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
     void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
@@ -89,6 +90,11 @@ public:
     bool canUndo() const override;
     void undo() override;
     void emptyUndoBuffer() override;
+    bool markHistoryPoint(std::function<void()> beforeLost) override;
+    bool hasHistoryPoint() const override;
+    bool readAtHistoryPoint(const std::function<void()> &read) override;
+    bool restoreHistoryPoint() override;
+    void forgetHistoryPoint() override;
 
     void cut() override;
     void copy() const override;
@@ -125,6 +131,7 @@ public:
     quintptr windowHandle() const override;
     QWidget *widget() const override;
     void print(QPagedPaintDevice *device) const override;
+    std::optional<DocumentPage> documentPage() const override;
     int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                     QString *error = nullptr) const override;
 
@@ -164,6 +171,14 @@ private:
     /// The line at a document y coordinate.
     int lineAtY(int y) const;
     void applyWrap();
+    /// Calls the history point's `beforeLost` (once) and forgets the point: the history it
+    /// needs is about to go.
+    void letGoOfHistoryPoint();
+    /// Undoes whole edits of the document until its history stands at the point. \return false
+    /// when it cannot land exactly there (the document is then brought back to where it was).
+    bool rollBackToHistoryPoint();
+    /// Empties the document's whole edit history and the one-step undo.
+    void clearHistory();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
     /// Hands the decoration spans in view to the widget, in layer order (later layers paint on
@@ -201,6 +216,16 @@ private:
     bool m_modified = false;
     bool m_lastWasUndo = false;   ///< the next undo redoes
     bool m_undoing = false;
+    /// The history point: the number of undo steps of the document at that state, -1 for none.
+    int m_historyPoint = -1;
+    /// The history below the point was lost without warning (an edit after stepping below it).
+    bool m_historyPointBroken = false;
+    std::function<void()> m_beforeHistoryPointLost;
+    /// Undo steps at the last `emptyUndoBuffer` while a point was held: the one-step undo
+    /// never goes below it.
+    int m_undoFloor = 0;
+    /// A history round trip is running: its changes are not reported.
+    bool m_quietHistory = false;
     WrapMode m_wrapMode = WrapMode::Window;
     int m_wrapWidth = 0;
     int m_rightMargin = 0;

@@ -47,6 +47,11 @@ SurfaceTextEdit::SurfaceTextEdit(QWidget *parent) : QTextEdit(parent)
     setAcceptRichText(true);
 }
 
+SurfaceTextEdit::~SurfaceTextEdit()
+{
+    emit aboutToBeDestroyed();
+}
+
 int SurfaceTextEdit::roomLeft() const
 {
     if (m_maxLength <= 0)
@@ -86,6 +91,14 @@ void SurfaceTextEdit::keyPressEvent(QKeyEvent *event)
         }
         replaced.emplace(event->type(), qtKey.key, qtKey.modifiers, qtKey.text, event->isAutoRepeat());
         key = &*replaced;
+    }
+
+    // The editor's own many-step history keys (Alt+Backspace, Ctrl+Shift+Z) would walk the
+    // document's history past what the control's one-step undo allows: the control's undo is
+    // the only way back.
+    if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+        event->accept();
+        return;
     }
 
     QString text = key->text();

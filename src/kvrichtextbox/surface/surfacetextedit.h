@@ -15,6 +15,7 @@ class SurfaceTextEdit : public QTextEdit {
     Q_OBJECT
 public:
     explicit SurfaceTextEdit(QWidget *parent = nullptr);
+    ~SurfaceTextEdit() override;
 
     void setListener(SurfaceListener *listener) { m_listener = listener; }
     void setMaxLength(int length) { m_maxLength = length; }
@@ -32,6 +33,8 @@ signals:
     void viewportResized();
     /// Emitted when the palette changes (a light or dark theme): painted decorations follow it.
     void paletteChanged();
+    /// Emitted first thing in the destructor, while the document can still be read.
+    void aboutToBeDestroyed();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

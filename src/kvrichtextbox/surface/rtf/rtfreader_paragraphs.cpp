@@ -111,9 +111,10 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    applyParagraphFormats(qt, para);
     if (para.rtl)
         qt.setLayoutDirection(Qt::RightToLeft);
-    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && !m_table)
+    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty())
         qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
     if (!m_keptParagraph.isEmpty()) {
         qt.setProperty(KeptParagraphGroups, m_keptParagraph);
@@ -122,7 +123,7 @@ void Reader::applyParagraph(const ParaState &para)
     // List paragraphs show the markers the surface draws; those that give their own indent
     // show their text there, the marker hanging in the first line's indent (their lists add
     // no indent of their own).
-    const bool listParagraph = !m_table && (para.ls > 0 || para.pn.numbering != 0);
+    const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
     const bool ownIndents = listParagraph && para.li > 0;
     if (listParagraph) {
         listmarkers::setDrawnBySurface(qt);
@@ -141,7 +142,7 @@ void Reader::applyParagraph(const ParaState &para)
     QTextBlock block = m_cursor.block();
     if (QTextList *current = block.textList())
         current->remove(block);
-    if (para.ls > 0 && !m_table) {
+    if (para.ls > 0) {
         const int level = std::clamp(para.ilvl, 0, 8);
         const int key = para.ls * 16 + level;
         QTextList *list = m_lsLists.value(key).data();
@@ -183,7 +184,7 @@ void Reader::applyParagraph(const ParaState &para)
             m_lsLists.insert(key, list);
         }
         m_lastPnList = nullptr;
-    } else if (para.pn.numbering != 0 && !m_table) {
+    } else if (para.pn.numbering != 0) {
         if (m_lastPnList && m_lastPn == para.pn && block.previous().isValid()
             && block.previous().textList() == m_lastPnList) {
             m_lastPnList->add(block);
@@ -208,7 +209,7 @@ void Reader::applyParagraph(const ParaState &para)
 // page or section break makes the next paragraph start a new page.
 void Reader::pageBreak(bool page)
 {
-    if (m_inNote || m_table || top().para.intbl) {
+    if (m_inNote || !m_tables.empty() || paragraphTableDepth() > 0) {
         endParagraph(true);
         return;
     }
@@ -221,6 +222,7 @@ void Reader::pageBreak(bool page)
 void Reader::endParagraph(bool insertBreak)
 {
     flushText();
+    placeParagraphEndBookmarks();
     ensureTableState();
     applyParagraph(top().para);
     if (!m_inNote)

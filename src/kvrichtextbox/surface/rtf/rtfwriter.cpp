@@ -148,6 +148,12 @@ void Writer::writeFrame(const QTextFrame *frame)
         const QTextBlock block = it.currentBlock();
         if (!intersects(block.position(), block.position() + block.length()) || isAttachedNote(block))
             continue;
+        if (m_start == 0 && frame == m_doc.rootFrame() && block.position() == 0) {
+            auto next = it;
+            ++next;
+            if (isPlaceholderBeforeTable(block, !next.atEnd() && qobject_cast<QTextTable *>(next.currentFrame())))
+                continue;
+        }
         writeBlock(block, "par");
     }
 }
@@ -178,6 +184,7 @@ QByteArray Writer::run()
     const QByteArray kept = m_doc.rootFrame()->frameFormat().property(KeptDocumentGroups).toByteArray();
     if (!kept.isEmpty() && m_start == 0)
         head += kept + '\n';
+    head += pageSetup();
     return head + body + "}\n";
 }
 

@@ -21,6 +21,13 @@ RunProps Writer::runPropsOf(const QTextCharFormat &qt)
     next.script = int(*f.script);
     next.offset = *f.charOffset;
     next.lang = *f.locale;
+    next.caps = qt.fontCapitalization() == QFont::AllUppercase || qt.fontCapitalization() == QFont::SmallCaps
+                    ? int(qt.fontCapitalization())
+                    : 0;
+    next.outline = qt.boolProperty(CharOutline);
+    next.shadow = qt.boolProperty(CharShadow);
+    if (qt.hasProperty(QTextFormat::FontLetterSpacing) && qt.fontLetterSpacingType() == QFont::AbsoluteSpacing)
+        next.expand = format::pixelsToTwips(qt.fontLetterSpacing());
     return next;
 }
 
@@ -87,6 +94,7 @@ void Writer::writeCharProps(const QTextCharFormat &qt, int formatIndex)
     }
     if (next.lang != now.lang)
         word("lang", next.lang);
+    writeCharEffects(next);
     now = next;
 }
 

@@ -259,9 +259,10 @@ void EditorAccessible::replaceText(int startOffset, int endOffset, const QString
     cursor.setPosition(clampOffset(startOffset));
     cursor.setPosition(clampOffset(endOffset), QTextCursor::KeepAnchor);
     // The maximum length holds here as it does for typing.
-    const int room = edit()->roomLeft() < 0 ? -1 : edit()->roomLeft() + int(edit()->textCursor().selectedText().size())
-                                                         - int(cursor.selectedText().size());
-    cursor.insertText(room < 0 ? text : text.left(std::max(0, room)));
+    const int max = edit()->maxLength();
+    const int replaced = cursor.selectionEnd() - cursor.selectionStart();
+    const int room = max <= 0 ? -1 : std::max(0, max - (characterCount() - replaced));
+    cursor.insertText(room < 0 ? text : text.left(room));
 }
 
 } // namespace kvrtb

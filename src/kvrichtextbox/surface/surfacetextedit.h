@@ -52,11 +52,9 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
     void insertFromMimeData(const QMimeData *source) override;
 
-public:
+private:
     /// How many characters may still be inserted in place of the selection (-1 = no limit).
     int roomLeft() const;
-
-private:
 
     SurfaceListener *m_listener = nullptr;
     int m_maxLength = 0;

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Renders the word-count, font and random-word dialogs into docs/images/ under Xvfb (Debian
+# Renders the word-count, font, random-word and find dialogs into docs/images/ under Xvfb (Debian
 # package xvfb). Builds the renderer first.
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"

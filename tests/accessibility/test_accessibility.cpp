@@ -7,14 +7,19 @@
 #include "core/editorsurface.h"
 #include "core/platformservices.h"
 #include "core/threadstate.h"
+#include "editorinput/caretdescription.h"
+#include "spelling/spellasyoutype.h"
+#include "spelling/spellcheckfrm.h"
 #include "surface/qtplatformservices.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QDialog>
 #include <QMenu>
+#include <QPointer>
 #include <QRadioButton>
 #include <QSet>
+#include <QStandardPaths>
 #include <QTest>
 #include <QTimer>
 
@@ -31,8 +36,9 @@ QList<QWidget *> focusable(QWidget *root)
     QList<QWidget *> all = root->findChildren<QWidget *>();
     all.prepend(root);
     for (QWidget *widget : std::as_const(all)) {
-        // The text box inside an editable combo box is announced through the combo box.
-        const bool part = widget->parentWidget() && widget->parentWidget()->inherits("QComboBox");
+        // The text box inside an editable combo box or a spin box is announced through its owner.
+        const bool part = widget->parentWidget() && (widget->parentWidget()->inherits("QComboBox")
+                                                     || widget->parentWidget()->inherits("QAbstractSpinBox"));
         if (widget->focusPolicy() != Qt::NoFocus && widget->isVisible() && !widget->isWindowType() && !part)
             widgets << widget;
     }
@@ -129,6 +135,17 @@ QStringList gapsOfModal(const std::function<void()> &open, QString *title)
     return gaps;
 }
 
+/// Shows \a control holding \a text; false when the window did not come up.
+bool showHolding(KvRTB &control, const QString &text)
+{
+    control.resize(500, 300);
+    control.show();
+    if (!QTest::qWaitForWindowExposed(&control))
+        return false;
+    control.setText(text);
+    return true;
+}
+
 } // namespace
 
 /// Fails with the list of gaps, one per line.
@@ -141,6 +158,7 @@ QStringList gapsOfModal(const std::function<void()> &open, QString *title)
 class TestAccessibility : public QObject {
     Q_OBJECT
 private slots:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void init() { threadState() = ThreadState(); }
 
     void controlAndDialogsHaveNamesRolesAndTabOrder()
@@ -178,6 +196,79 @@ private slots:
         EXPECT_NO_GAPS(gapsOfModal([&] { control.ShowRandomWord(); }, &title));
         control.setUseCustomFontDialog(true);
         EXPECT_NO_GAPS(gapsOfModal([&] { control.ShowFontSelect(); }, &title));
+    }
+
+    void spellingDialogHasNamesRolesTabOrderAndEscape()
+    {
+        KvRTB control;
+        QVERIFY(showHolding(control, QStringLiteral("Teh wrod is here.")));
+        control.ShowSpellCheck();
+        QPointer<SpellCheckFrm> dialog = control.findChild<SpellCheckFrm *>();
+        QVERIFY(dialog);
+        QTRY_COMPARE(dialog->state(), SpellCheckSession::State::Word);
+        QVERIFY(QTest::qWaitForWindowExposed(dialog));
+        EXPECT_NO_GAPS(accessibilityGaps(dialog));
+        // The suggestions and the replacement are announced with their labels.
+        QAccessibleInterface *list = QAccessible::queryAccessibleInterface(dialog->findChild<QWidget *>(QStringLiteral("SuggestionsList")));
+        QCOMPARE(list->text(QAccessible::Name), QStringLiteral("Suggestions"));
+        QAccessibleInterface *changeTo = QAccessible::queryAccessibleInterface(dialog->findChild<QWidget *>(QStringLiteral("ChangeToTxt")));
+        QCOMPARE(changeTo->text(QAccessible::Name), QStringLiteral("Change to"));
+
+        dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(dialog));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_VERIFY(!dialog || !dialog->isVisible());
+        QCOMPARE(control.Text(), QStringLiteral("Teh wrod is here."));
+    }
+
+    void caretOnMisspeltWordOrLinkAnnouncesIt()
+    {
+        // Moving the caret with keys onto a misspelt word or a link sets the editor's accessible
+        // description (setting it raises the description-changed event a screen reader hears,
+        // which needs a running screen reader to observe); leaving it, typing at a word's end
+        // or selecting clears it.
+        KvRTB control;
+        QVERIFY(showHolding(control, QStringLiteral("A wrold and www.example.com here.")));
+        control.HyperLinkDocument();
+        control.setSpellAsYouType(true);
+        QTRY_VERIFY(!control.core().spellAsYouType().hasPending());
+        QWidget *editor = control.RichTextBox1().widget();
+        editor->setObjectName(QStringLiteral("editor"));
+        control.SetInFocus();
+        QAccessibleInterface *iface = QAccessible::queryAccessibleInterface(editor);
+        auto description = [&] { return editor->accessibleDescription(); };
+
+        QTest::keyClick(editor, Qt::Key_Home, Qt::ControlModifier);
+        QCOMPARE(description(), QString());
+        QTest::keyClick(editor, Qt::Key_Right, Qt::ControlModifier);
+        QCOMPARE(control.SelStart(), 2);
+        QCOMPARE(description(), QStringLiteral("Misspelt word: wrold"));
+        QCOMPARE(iface->text(QAccessible::Description), QStringLiteral("Misspelt word: wrold"));
+        QTest::keyClick(editor, Qt::Key_Right); // still inside the word
+        QCOMPARE(description(), QStringLiteral("Misspelt word: wrold"));
+        QTest::keyClick(editor, Qt::Key_Right, Qt::ControlModifier);
+        QCOMPARE(description(), QString());
+        QTest::keyClick(editor, Qt::Key_Right, Qt::ControlModifier);
+        QCOMPARE(control.SelStart(), 12);
+        QCOMPARE(description(), CaretDescription::link(control.core().surface().rangeCharFormat(12, 1).linkAddress.value_or(QString())));
+        QVERIFY2(description().contains(QStringLiteral("www.example.com")), qPrintable(description()));
+        QTest::keyClick(editor, Qt::Key_Right, Qt::ShiftModifier);
+        QCOMPARE(description(), QString());
+        QCOMPARE(iface->text(QAccessible::Description), editor->toolTip());
+
+        // Typing a misspelt word leaves the caret at its end: nothing is said over the typing.
+        control.setSelStart(control.Text().size());
+        QTest::keyClicks(editor, QStringLiteral(" zorp"));
+        QTRY_VERIFY(!control.core().spellAsYouType().hasPending());
+        QCOMPARE(description(), QString());
+        // A word the caret stands on is announced once it is found misspelt, and no longer
+        // once spelling as you type is switched off.
+        QTest::keyClick(editor, Qt::Key_Left, Qt::ControlModifier);
+        QCOMPARE(description(), QStringLiteral("Misspelt word: zorp"));
+        control.setSpellAsYouType(false);
+        QCOMPARE(description(), QString());
+        control.setSpellAsYouType(true);
+        QTRY_COMPARE(description(), QStringLiteral("Misspelt word: zorp"));
     }
 
     void popupMenuItemsAnnounceThemselves()

@@ -1,13 +1,8 @@
 // Tests of the "Find / Replace" dialog, driven through its own controls with key and mouse
 // events on a shown control.
 
-#include "control/kvrtb.h"
-#include "core/controlcore.h"
-#include "core/recordingplatformservices.h"
-#include "core/threadstate.h"
 #include "editing/specialundo.h"
-#include "findreplace/findreplace.h"
-#include "findreplace/findreplacefrm.h"
+#include "finddialogdriver.h"
 #include "testregistry.h"
 
 #include <QCheckBox>
@@ -18,64 +13,12 @@
 
 using namespace kvrtb;
 
-class TestFindReplaceFrm : public QObject {
+class TestFindReplaceFrm : public QObject, kvrtb::test::FindDialogDriver {
     Q_OBJECT
 
-    RecordingPlatformServices m_services;
-    std::unique_ptr<KvRTB> m_control;
-    FindReplaceFrm *m_dialog = nullptr;
-
-    template <typename T>
-    T *child(const char *name)
-    {
-        T *widget = m_dialog->findChild<T *>(QLatin1String(name));
-        if (!widget)
-            qFatal("no control %s in the dialog", name);
-        return widget;
-    }
-    void click(const char *name) { QTest::mouseClick(child<QAbstractButton>(name), Qt::LeftButton); }
-    QPair<int, int> selection() const { return {m_control->SelStart(), m_control->SelLength()}; }
-    /// The text of the last message box, after checking its title and icon.
-    QString lastMessage() const
-    {
-        const auto boxes = m_services.callsOf(QStringLiteral("messageBox"));
-        if (boxes.isEmpty())
-            return QString();
-        if (boxes.last().title != QLatin1String("Search Complete") || boxes.last().icon != int(MessageIcon::Information))
-            return QStringLiteral("wrong box: ") + boxes.last().title;
-        return boxes.last().text;
-    }
-    int messageCount() const { return int(m_services.callsOf(QStringLiteral("messageBox")).size()); }
-    void typeFindText(const QString &text)
-    {
-        QLineEdit *find = child<QLineEdit>("FindTxt");
-        find->selectAll();
-        QTest::keyClick(find, Qt::Key_Delete);
-        QTest::keyClicks(find, text);
-    }
-
 private slots:
-    void init()
-    {
-        threadState().cancelRequested = false;
-        m_services = RecordingPlatformServices();
-        m_control = std::make_unique<KvRTB>(m_services);
-        m_control->resize(500, 300);
-        m_control->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_control.get()));
-        m_control->setText(QStringLiteral("The cat sat on the Cat mat with cats."));
-        m_control->setSelStart(0);
-        m_control->ShowFindReplace();
-        m_dialog = m_control->core().findReplace().dialog();
-        QVERIFY(m_dialog);
-        QVERIFY(QTest::qWaitForWindowExposed(m_dialog));
-    }
-
-    void cleanup()
-    {
-        m_control.reset();
-        m_dialog = nullptr;
-    }
+    void init() { open(QStringLiteral("The cat sat on the Cat mat with cats.")); }
+    void cleanup() { close(); }
 
     void layoutAndButtons()
     {
@@ -98,6 +41,8 @@ private slots:
 
     void findNextAndPrevious()
     {
+        // Without wrap-around, a search stops at the end of the document and says so.
+        click("WrapAroundCheck");
         typeFindText(QStringLiteral("cat"));
         click("WholeWordCheck");
         click("FindNextButton");

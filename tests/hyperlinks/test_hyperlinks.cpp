@@ -2,6 +2,7 @@
 // surface under the offscreen platform.
 
 #include "corefixture.h"
+#include "control/kvrtb.h"
 #include "core/controlcore.h"
 #include "core/controlevents.h"
 #include "core/recordingplatformservices.h"
@@ -10,6 +11,7 @@
 #include "hyperlinks/addresspatterns.h"
 #include "hyperlinks/hyperlinks.h"
 
+#include <QTextEdit>
 #include <QtTest>
 #include <QWidget>
 
@@ -42,6 +44,17 @@ QStringList linkedRuns(EditorSurface &surface)
         }
     }
     return runs;
+}
+
+/// The extra selections of \a editor that set a text colour, as "text=colour" items.
+QStringList colouredSelections(QTextEdit *editor)
+{
+    QStringList items;
+    for (const QTextEdit::ExtraSelection &selection : editor->extraSelections()) {
+        if (selection.format.hasProperty(QTextFormat::ForegroundBrush))
+            items << selection.cursor.selectedText() + QLatin1Char('=') + selection.format.foreground().color().name();
+    }
+    return items;
 }
 
 QStringList matchTexts(const QRegularExpression &pattern, const QString &text)
@@ -424,6 +437,62 @@ private slots:
         QTest::keyClicks(d.surface().widget(), QStringLiteral("y"));
         d.links().HyperLinkCurrentLine();
         QCOMPARE(d.boxes().size(), 1);
+    }
+
+    void darkPaletteShowsLinksInTheLinkColour()
+    {
+        // In a dark palette a link is painted in the palette's link colour (made lighter until
+        // it reads on the base), whatever colour is stored with it; the stored colour, the RTF,
+        // the undo and the changed flag stay as they were. A light palette paints nothing.
+        RecordingPlatformServices services;
+        KvRTB control(services);
+        control.resize(500, 200);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        control.setText(QStringLiteral("See www.example.com or write to a@b.org now."));
+        control.setDetectHyperLinks(true);
+        control.setSelStart(4);
+        control.setSelLength(15);
+        control.setSelColor(0x000080); // a dark red, unreadable on a dark base
+        control.HyperLinkDocument();
+        control.EmptyRTBUndoRedoBuffer();
+        control.SetRTBChanged(false);
+        auto *editor = qobject_cast<QTextEdit *>(control.RichTextBox1().widget());
+        QVERIFY(colouredSelections(editor).isEmpty());
+        const QString rtf = control.TextRTF();
+
+        const QPalette light = editor->palette();
+        QPalette dark = light;
+        dark.setColor(QPalette::Base, QColor(30, 30, 30));
+        dark.setColor(QPalette::Text, QColor(230, 230, 230));
+        dark.setColor(QPalette::Link, QColor(0, 0, 255));
+        editor->setPalette(dark);
+        const QStringList painted = colouredSelections(editor);
+        QCOMPARE(painted.size(), 2);
+        QVERIFY(painted.at(0).startsWith(QStringLiteral("www.example.com=")));
+        QVERIFY(painted.at(1).startsWith(QStringLiteral("a@b.org=")));
+        const QColor link(painted.at(0).section(QLatin1Char('='), 1));
+        QCOMPARE(link.hslHue(), QColor(0, 0, 255).hslHue());
+        QVERIFY2(link.lightness() > 150, qPrintable(link.name()));
+        QCOMPARE(control.TextRTF(), rtf);
+        QCOMPARE(control.CanUndo(), false);
+        QCOMPARE(control.HasRTBChanged(), false);
+        control.setSelStart(4);
+        control.setSelLength(3);
+        QCOMPARE(control.SelColor().toUInt(), 0x000080u); // the link's own colour, as stored
+
+        // A link typed in the dark palette is painted too; a link colour that already reads is
+        // kept as the palette gives it.
+        dark.setColor(QPalette::Link, QColor(110, 170, 255));
+        editor->setPalette(dark);
+        control.setSelStart(control.Text().size());
+        QTest::keyClicks(editor, QStringLiteral(" www.other.net "));
+        QCOMPARE(colouredSelections(editor),
+                 (QStringList{"www.example.com=#6eaaff", "a@b.org=#6eaaff", "www.other.net=#6eaaff"}));
+
+        // Back to a light palette: links keep their own colour again.
+        editor->setPalette(light);
+        QVERIFY(colouredSelections(editor).isEmpty());
     }
 
     void caretAndScrollComeBack()

@@ -7,6 +7,7 @@
 #include "core/editorsurface.h"
 #include "core/recordingplatformservices.h"
 #include "printing/pagedecorations.h"
+#include "printing/pagesetup.h"
 #include "printing/printing.h"
 #include "testsupport.h"
 
@@ -357,6 +358,50 @@ private slots:
         bool byName = !installed;
         QVERIFY(QMetaObject::invokeMethod(&control, "PrinterInstalled", Q_RETURN_ARG(bool, byName)));
         QCOMPARE(byName, installed);
+    }
+
+    void documentPaperAndMarginsArePrinted()
+    {
+        KvRTB control(m_services);
+        const auto pageSize = [](const QString &path) {
+            QProcess info;
+            info.start(QStringLiteral("pdfinfo"), {path});
+            info.waitForFinished(60000);
+            static const QRegularExpression size(QStringLiteral("Page size:\\s+([0-9.]+) x ([0-9.]+) pts"));
+            const QRegularExpressionMatch m = size.match(QString::fromUtf8(info.readAllStandardOutput()));
+            return m.hasMatch() ? QSizeF(m.captured(1).toDouble(), m.captured(2).toDouble()) : QSizeF();
+        };
+        // A landscape A4 document with a two-inch left margin and an inch at the top.
+        control.setTextRTF(QStringLiteral("{\\rtf1\\ansi\\paperw16838\\paperh11906\\margl2880\\margr1440\\margt1440"
+                                          "\\margb1440\\landscape\\pard Landscaped words.\\par}"));
+        control.SelPrint(QVariant(pdf("document-page.pdf")));
+        const QSizeF landscape = pageSize(pdf("document-page.pdf"));
+        QVERIFY2(std::abs(landscape.width() - 841.9) < 1 && std::abs(landscape.height() - 595.3) < 1,
+                 qPrintable(QStringLiteral("%1 x %2").arg(landscape.width()).arg(landscape.height())));
+        const PrintedWord first = printed(wordPositions(pdf("document-page.pdf")), QStringLiteral("Landscaped"));
+        QVERIFY2(std::abs(first.x - 144) < 1.5, qPrintable(QString::number(first.x)));
+        QVERIFY2(first.y >= 71 && first.y < 90, qPrintable(QString::number(first.y)));
+        // The print dialog starts on the document's paper.
+        m_services.onPrintDialog = [this](QPrinter &printer) {
+            QCOMPARE(printer.pageLayout().orientation(), QPageLayout::Landscape);
+            QCOMPARE(printer.pageLayout().pageSize().id(), QPageSize::A4);
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(pdf("document-dialog.pdf"));
+        };
+        m_services.printDialogAnswers = {true};
+        short err = 0;
+        QCOMPARE(control.CommonDialogPrint(&err), 1);
+        m_services.onPrintDialog = nullptr;
+
+        // Margins that leave no inch of text on the paper are not used; a document without page
+        // setup prints within PrinterMargin on the default paper.
+        control.setTextRTF(QStringLiteral("{\\rtf1\\ansi\\margl9000\\margr9000\\pard Squeezed words.\\par}"));
+        control.SelPrint(QVariant(pdf("wide-margins.pdf")));
+        QCOMPARE(printed(wordPositions(pdf("wide-margins.pdf")), QStringLiteral("Squeezed")).x, 72.0);
+        control.setText(QStringLiteral("Ordinary words."));
+        control.SelPrint(QVariant(pdf("plain-page.pdf")));
+        QCOMPARE(printed(wordPositions(pdf("plain-page.pdf")), QStringLiteral("Ordinary")).x, 72.0);
+        QCOMPARE(pageSize(pdf("plain-page.pdf")).toSize(), defaultPaperSize().size(QPageSize::Point));
     }
 };
 

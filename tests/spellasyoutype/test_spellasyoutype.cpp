@@ -5,6 +5,7 @@
 #include "core/controlcore.h"
 #include "core/editorsurface.h"
 #include "core/recordingplatformservices.h"
+#include "core/textspans.h"
 #include "core/threadstate.h"
 #include "editorinput/popupmenu.h"
 #include "spelling/misspellingscanner.h"
@@ -12,6 +13,14 @@
 
 #include <QTest>
 #include <QTextEdit>
+
+namespace kvrtb {
+// Spans read as [start, end) in failure messages.
+char *toString(const EditorSurface::TextSpan &span)
+{
+    return QTest::toString(QStringLiteral("[%1, %2)").arg(span.start).arg(span.end()));
+}
+} // namespace kvrtb
 
 using namespace kvrtb;
 using Span = EditorSurface::TextSpan;
@@ -58,6 +67,17 @@ struct Shown {
         QTest::mouseClick(editor()->viewport(), Qt::RightButton, Qt::NoModifier, point);
     }
 };
+
+/// The stretches the editor widget paints as extra selections, in order.
+QList<Span> painted(QTextEdit *editor)
+{
+    QList<Span> spans;
+    for (const QTextEdit::ExtraSelection &selection : editor->extraSelections()) {
+        const int start = selection.cursor.selectionStart();
+        spans.append({start, selection.cursor.selectionEnd() - start});
+    }
+    return spans;
+}
 
 QStringList wordsOf(const QString &text, const QList<Span> &spans)
 {
@@ -131,6 +151,99 @@ private slots:
         QTest::keyClicks(s.editor(), QStringLiteral("zxqv "));
         QCoreApplication::processEvents();
         QVERIFY(s.surface().decorations(Layer::Misspelling).isEmpty());
+    }
+
+    void spansMoveWithEdits()
+    {
+        struct Moved {
+            QList<Span> spans;
+            QList<Span> touched;
+            bool changed;
+        };
+        const QList<Span> marks{{2, 3}, {10, 4}, {20, 2}};
+        auto move = [&](int position, int removed, int added) {
+            Moved result{marks, {}, false};
+            result.changed = moveTextSpans(result.spans, position, removed, added,
+                                           [&](const Span &span) { result.touched.append(span); });
+            return result;
+        };
+        // Insertions: before a span moves it, at its start moves it, inside drops it, at its end
+        // keeps it where it is but says the painted one would grow.
+        Moved m = move(0, 0, 2);
+        QCOMPARE(m.spans, (QList<Span>{{4, 3}, {12, 4}, {22, 2}}));
+        QCOMPARE(m.changed, false);
+        m = move(10, 0, 1);
+        QCOMPARE(m.spans, (QList<Span>{{2, 3}, {11, 4}, {21, 2}}));
+        QCOMPARE(m.changed, false);
+        m = move(11, 0, 1);
+        QCOMPARE(m.spans, (QList<Span>{{2, 3}, {21, 2}}));
+        QCOMPARE(m.touched, (QList<Span>{{10, 4}}));
+        QCOMPARE(m.changed, true);
+        m = move(14, 0, 3);
+        QCOMPARE(m.spans, (QList<Span>{{2, 3}, {10, 4}, {23, 2}}));
+        QVERIFY(m.touched.isEmpty());
+        QCOMPARE(m.changed, true);
+        m = move(30, 0, 3);
+        QCOMPARE(m.spans, marks);
+        QCOMPARE(m.changed, false);
+        // Removals: ending at a span's start moves it; reaching into two spans drops both.
+        m = move(5, 5, 0);
+        QCOMPARE(m.spans, (QList<Span>{{2, 3}, {5, 4}, {15, 2}}));
+        QCOMPARE(m.changed, false);
+        m = move(4, 8, 0);
+        QCOMPARE(m.spans, (QList<Span>{{12, 2}}));
+        QCOMPARE(m.touched, (QList<Span>{{2, 3}, {10, 4}}));
+        QCOMPARE(m.changed, true);
+        // A replacement over a whole span drops it; an empty list stays empty.
+        m = move(20, 2, 5);
+        QCOMPARE(m.spans, (QList<Span>{{2, 3}, {10, 4}}));
+        QCOMPARE(m.changed, true);
+        QList<Span> none;
+        QCOMPARE(moveTextSpans(none, 0, 3, 1), false);
+        QVERIFY(none.isEmpty());
+    }
+
+    void paintedUnderlinesFollowEveryEdit()
+    {
+        // What the widget paints always matches the marks: an edit that cuts into a misspelt word
+        // takes its underline away at once, one typed at its end does not stretch it, before
+        // the edited paragraph is checked again; after the check the painted lines are the
+        // misspelt words.
+        Shown s(QStringLiteral("One wrold here.\nTwo speling mistaks and a thrid.\nLast lnie"));
+        s.control.setSpellAsYouType(true);
+        s.settle();
+        QCOMPARE(s.underlined(), (QStringList{"wrold", "speling", "mistaks", "thrid", "lnie"}));
+        QCOMPARE(painted(s.editor()), s.surface().decorations(Layer::Misspelling));
+
+        const QString text = s.control.Text();
+        s.control.setSelStart(text.indexOf(QStringLiteral("wrold")) + 5);
+        QTest::keyClicks(s.editor(), QStringLiteral("s"));
+        QCOMPARE(painted(s.editor()), s.surface().decorations(Layer::Misspelling));
+        QCOMPARE(s.underlined().first(), QStringLiteral("wrold"));
+        s.control.setSelStart(s.control.Text().indexOf(QStringLiteral("speling")) + 3);
+        QTest::keyClick(s.editor(), Qt::Key_L);
+        QCOMPARE(painted(s.editor()), s.surface().decorations(Layer::Misspelling));
+        QCOMPARE(s.underlined(), (QStringList{"wrold", "mistaks", "thrid", "lnie"}));
+        s.settle();
+        QCOMPARE(s.underlined(), (QStringList{"wrolds", "mistaks", "thrid", "lnie"}));
+
+        // Deleting across a paragraph mark joins two paragraphs; a selection typed over goes.
+        s.control.setSelStart(s.control.Text().indexOf(QStringLiteral("\nLast")));
+        QTest::keyClick(s.editor(), Qt::Key_Delete);
+        s.control.setSelStart(s.control.Text().indexOf(QStringLiteral("mistaks")));
+        s.control.setSelLength(7);
+        QTest::keyClicks(s.editor(), QStringLiteral("erors"));
+        QCOMPARE(painted(s.editor()), s.surface().decorations(Layer::Misspelling));
+        s.settle();
+        const QString now = s.control.Text();
+        QCOMPARE(now, QStringLiteral("One wrolds here.\nTwo spelling erors and a thrid.Last lnie"));
+        QCOMPARE(s.surface().decorations(Layer::Misspelling), SpellAsYouType::misspeltSpans(now));
+        QCOMPARE(painted(s.editor()), s.surface().decorations(Layer::Misspelling));
+        // Undo of the whole stretch of typing brings the marks back with the text.
+        s.control.Undo();
+        s.settle();
+        QCOMPARE(s.surface().decorations(Layer::Misspelling), SpellAsYouType::misspeltSpans(s.control.Text()));
+        QCOMPARE(painted(s.editor()), s.surface().decorations(Layer::Misspelling));
     }
 
     void underlineNeverReachesTextRtfUndoOrSelUnderline()

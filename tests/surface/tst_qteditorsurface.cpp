@@ -721,6 +721,8 @@ private slots:
     }
 };
 
+int runFormatBatchTests(int argc, char *argv[]); // tst_formatbatch.cpp
+
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
@@ -733,6 +735,7 @@ int main(int argc, char *argv[])
         TestPlatformServices services;
         status |= QTest::qExec(&services, argc, argv);
     }
+    status |= runFormatBatchTests(argc, argv);
     return status;
 }
 

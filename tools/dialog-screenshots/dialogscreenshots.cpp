@@ -1,10 +1,12 @@
-// Renders the control's own dialogs (word count, font, random word) to PNG files, for the
+// Renders the control's own dialogs (word count, font, random word, find) to PNG files, for the
 // documentation. Run under a real window system (e.g. Xvfb):
 //   kvrtb-dialog-screenshots OUTPUT_FOLDER
 
 #include "control/kvrtb.h"
 #include "core/controlcore.h"
 #include "core/recordingplatformservices.h"
+#include "findreplace/findreplace.h"
+#include "findreplace/findreplacefrm.h"
 #include "fonts/fontfrm.h"
 #include "spelling/randomfrm.h"
 #include "wordcount/countwordsfrm.h"
@@ -12,9 +14,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QEventLoop>
+#include <QLineEdit>
 #include <QListView>
+#include <QPainter>
+#include <QPushButton>
 #include <QTimer>
 
 #include <cstdio>
@@ -23,19 +29,60 @@ using namespace kvrtb;
 
 namespace {
 
-bool save(QWidget &dialog, const QString &path)
+/// Lets the window system map and paint what was shown.
+void settle()
 {
-    dialog.show();
-    dialog.raise();
-    // Let the window system map and paint the window.
     QEventLoop loop;
     QTimer::singleShot(300, &loop, &QEventLoop::quit);
     loop.exec();
-    const bool ok = dialog.grab().save(path);
+}
+
+bool report(bool ok, const QString &path)
+{
     std::printf("%s %s\n", ok ? "wrote" : "could not write", qPrintable(path));
     return ok;
 }
 
+bool save(QWidget &dialog, const QString &path)
+{
+    dialog.show();
+    dialog.raise();
+    settle();
+    return report(dialog.grab().save(path), path);
+}
+
+/// The find dialog beside the editor, after a regular-expression search that highlights every
+/// match, counts them and has wrapped around to the first.
+bool saveFind(const QString &path)
+{
+    RecordingPlatformServices services;
+    KvRTB control(services);
+    control.resize(460, 300);
+    control.setText(QStringLiteral(
+        "Invoice 2024-05-01 was paid on 2024-05-20.\n"
+        "Invoice 2024-06-01 is due on 2024-06-30; a reminder went out on 2024-06-15.\n"
+        "Write to accounts@example.com with questions."));
+    control.setSelStart(0);
+    control.show();
+    control.ShowFindReplace();
+    FindReplaceFrm *dialog = control.core().findReplace().dialog();
+    dialog->findChild<QCheckBox *>(QStringLiteral("RegexCheck"))->setChecked(true);
+    dialog->findChild<QLineEdit *>(QStringLiteral("FindTxt"))->setText(QStringLiteral("(\\d{4})-(\\d\\d)-(\\d\\d)"));
+    dialog->findChild<QLineEdit *>(QStringLiteral("ReplacementTxt"))->setText(QStringLiteral("\\3/\\2/\\1"));
+    settle();
+    for (int i = 0; i < 6; ++i)
+        dialog->findChild<QPushButton *>(QStringLiteral("FindNextButton"))->click();
+    settle();
+    const QPixmap editor = control.grab();
+    const QPixmap form = dialog->grab();
+    QPixmap both(editor.width() + form.width() + 12, std::max(editor.height(), form.height()));
+    both.fill(Qt::white);
+    QPainter painter(&both);
+    painter.drawPixmap(0, 0, editor);
+    painter.drawPixmap(editor.width() + 12, 0, form);
+    painter.end();
+    return report(both.save(path), path);
+}
 /// Random numbers from a fixed list, so that the picture shows the same word every time.
 WordLists::RandomSource fixedNumbers()
 {
@@ -86,5 +133,6 @@ int main(int argc, char *argv[])
         RandomFrm dialog([random] { return RandomWordEntry::pick(random); });
         ok &= save(dialog, out.filePath(QStringLiteral("random-word-dialog.png")));
     }
+    ok &= saveFind(out.filePath(QStringLiteral("find-dialog.png")));
     return ok ? 0 : 1;
 }

@@ -1,4 +1,4 @@
-// Renders the control (ruler, text, a selection and misspelt words underlined by
+// Renders the control (ruler, text, a link, a selection and misspelt words underlined by
 // spelling as you type) in a light and a dark palette, for the documentation. Run under a real
 // window system (e.g. Xvfb), once per scale factor (QT_SCALE_FACTOR):
 //   kvrtb-theme-screenshots OUTPUT_FOLDER SUFFIX
@@ -59,7 +59,9 @@ bool render(const QPalette &palette, const QString &path)
     control.setText(QStringLiteral(
         "Spelling as you type underlines wrods the dictionary does not know, like teh and recieve.\n"
         "The underline is paint only: never saved, never undone, never reported as underlining.\n"
+        "Links such as www.example.com take the palette's link colour in a dark palette.\n"
         "The selected text below shows the highlight colour of this palette."));
+    control.HyperLinkDocument();
     control.setSpellAsYouType(true);
     control.show();
     pause(300);

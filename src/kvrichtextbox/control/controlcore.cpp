@@ -50,6 +50,8 @@ ControlCore::ControlCore(QWidget *parent, PlatformServices &services, ControlEve
     m_printing = std::make_unique<Printing>(*this);
     m_spellingCorrections = std::make_unique<SpellingCorrections>(*this);
     m_spellAsYouType = std::make_unique<SpellAsYouType>(*this);
+    // A word the caret stands on that becomes marked (or unmarked) is announced at once.
+    m_spellAsYouType->setMarksObserver([this] { m_editorInput->caretDescription().update(); });
 }
 
 ControlCore::~ControlCore() = default;

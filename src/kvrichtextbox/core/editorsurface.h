@@ -7,6 +7,7 @@
 #include <QMargins>
 #include <QPoint>
 #include <QRect>
+#include <QSize>
 #include <QString>
 
 #include <functional>
@@ -125,6 +126,16 @@ struct PageRenderRequest {
     std::function<void(QPainter &painter, const PageFrame &frame)> decorate;
 };
 
+/// \brief The page a document brought with it (an RTF file's page setup), in twips. A size or
+/// margin the document did not give is 0.
+struct DocumentPage {
+    QSize paperTwips;      ///< width and height as the paper is used (wider than high in landscape)
+    QMargins marginsTwips; ///< left, top, right, bottom
+    bool landscape = false;
+    bool hasPaper() const { return paperTwips.width() > 0 && paperTwips.height() > 0; }
+    bool hasMargins() const { return !marginsTwips.isNull(); }
+};
+
 /// Kinds of document file the surface reads and writes itself.
 enum class SurfaceFileType { Rtf = 0, Text = 1 };
 
@@ -220,6 +231,19 @@ public:
         CharFormat format;
     };
     virtual void applyCharFormats(const QList<FormatSpan> &spans) = 0;
+    /// \brief A run of characters that takes one text colour (0x00BBGGRR or a system colour).
+    struct ColourRun {
+        int start = 0;
+        int length = 0;
+        Colour colour = 0;
+    };
+    /// Recolours a range in one edit (one undo step, one relayout): the set fields of \a base go
+    /// over [start, start + length) (length -1 = to the end), then each run sets its colour, in
+    /// list order (a later run wins where runs overlap). The result is that of `applyCharFormats`
+    /// with \a base as the first span and one colour-only span per run, but much cheaper for tens
+    /// of thousands of runs: it is how a whole source file is coloured at once. The selection
+    /// does not move.
+    virtual void applyColourRuns(int start, int length, const CharFormat &base, const QList<ColourRun> &runs) = 0;
     /// \brief A same-length rewrite: the characters from `start` become those of `text`.
     struct TextRewrite {
         int start = 0;
@@ -408,6 +432,9 @@ public:
     /// output file that cannot be written, margins that leave no room for text).
     virtual int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                             QString *error = nullptr) const = 0;
+    /// The paper and margins the document came with (loaded RTF's page setup, written back when
+    /// it is saved as RTF), or nothing when it has none: printing uses them when given.
+    virtual std::optional<DocumentPage> documentPage() const = 0;
 
     // --- Decorations -------------------------------------------------------------------------
     /// \brief What a decoration marks; each layer is replaced on its own.
@@ -437,6 +464,11 @@ public:
     using ContentsObserver = std::function<void(int position, int removed, int added)>;
     /// Adds an observer of text changes, called after the change; kept for the surface's life.
     virtual void addContentsObserver(ContentsObserver observer) = 0;
+
+    // --- Accessibility ----------------------------------------------------------------------
+    /// Sets the editor's accessible description (empty: none), as assistive technology reads
+    /// it; a change raises the accessibility event for a changed description.
+    virtual void setAccessibleDescription(const QString &description) = 0;
 
     // --- Events -----------------------------------------------------------------------------
     /// The listener that receives the surface's events; not owned; nullptr for none.

@@ -54,7 +54,8 @@ bool movesByPageOrArrow(int code)
 
 EditorInput::EditorInput(ControlCore &core)
     : m_core(core),
-      m_menu(core)
+      m_menu(core),
+      m_caretDescription(core)
 {
 }
 
@@ -73,8 +74,10 @@ void EditorInput::dblClick()
 void EditorInput::selChange()
 {
     // Bulk passes move the selection without telling the host.
-    if (!m_core.isSelectionQuiet())
-        m_core.events().selChange();
+    if (m_core.isSelectionQuiet())
+        return;
+    m_caretDescription.update();
+    m_core.events().selChange();
 }
 
 void EditorInput::change()

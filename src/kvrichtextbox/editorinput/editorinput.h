@@ -2,6 +2,7 @@
 
 #include "core/controlevents.h"
 #include "core/editorsurface.h"
+#include "editorinput/caretdescription.h"
 #include "editorinput/popupmenu.h"
 
 #include <QSet>
@@ -40,6 +41,8 @@ public:
     /// The facade's members the pop-up menu runs; not owned; nullptr for none.
     void setHost(InputHost *host) { m_menu.setHost(host); }
     PopupMenu &popupMenu() { return m_menu; }
+    /// What assistive technology is told the caret stands on.
+    CaretDescription &caretDescription() { return m_caretDescription; }
 
     /// True after a key that may be part of an address ("@", ":", "W", ".") until the next
     /// key-up follow-up or mouse-up.
@@ -76,6 +79,7 @@ private:
 
     ControlCore &m_core;
     PopupMenu m_menu;
+    CaretDescription m_caretDescription;
     bool m_linkMayBeTyped = false;
     bool m_lastKeyWasW = false;
     /// Codes the control acted on at key-down; their key-up records no typing.

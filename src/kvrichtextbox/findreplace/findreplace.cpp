@@ -139,11 +139,23 @@ void FindReplace::ShowFindReplace()
 int FindReplace::ReplaceAll(const QString &find, const QString &replacement, FindOptionsQ options,
                             std::optional<Colour> fontColour)
 {
+    const TextSearch search(find, searchOptions(options));
+    return replaceEach(
+        [&](const QString &text) {
+            QList<EditorSurface::TextReplacement> batch;
+            for (const qsizetype hit : search.allIn(text))
+                batch.append({int(hit), int(find.size()), replacement});
+            return batch;
+        },
+        fontColour);
+}
+
+int FindReplace::replaceEach(const ReplacementsIn &replacementsIn, std::optional<Colour> fontColour)
+{
     ThreadState &state = threadState();
     state.cancelRequested = false;
-    const TextSearch search(find, searchOptions(options));
-    QList<qsizetype> hits = search.allIn(documentText());
-    if (hits.isEmpty())
+    QList<EditorSurface::TextReplacement> batch = replacementsIn(documentText());
+    if (batch.isEmpty())
         return 0;
 
     EditorSurface &surface = m_core.surface();
@@ -160,7 +172,7 @@ int FindReplace::ReplaceAll(const QString &find, const QString &replacement, Fin
 
         // Count the replacements one by one, yielding now and then, so that a stop request
         // (ExitFindRep, the dialog closing) ends the pass after the replacement at hand.
-        for (qsizetype i = 0; i < hits.size(); ++i) {
+        for (qsizetype i = 0; i < batch.size(); ++i) {
             ++count;
             if (count % kYieldInterval == 0)
                 services.processEvents();
@@ -169,17 +181,14 @@ int FindReplace::ReplaceAll(const QString &find, const QString &replacement, Fin
         }
         // Input handled during a yield may have changed the text: take the hits afresh then.
         if (surface.revision() != revision)
-            hits = search.allIn(documentText());
-        count = std::min(count, int(hits.size()));
+            batch = replacementsIn(documentText());
+        count = std::min(count, int(batch.size()));
+        batch.resize(count);
 
-        QList<EditorSurface::TextReplacement> batch;
-        batch.reserve(count);
-        for (int i = 0; i < count; ++i)
-            batch.append({int(hits.at(i)), int(find.size()), replacement});
         CharFormat colour;
         if (fontColour)
             colour.color = translateColour(*fontColour);
-        {
+        if (count > 0) {
             QuietSelection quiet(m_core);
             DisplayFreeze freeze(m_core);
             surface.replaceRanges(batch, fontColour ? &colour : nullptr);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "core/colour.h"
+#include "core/editorsurface.h"
 #include "core/kvrtbtypes.h"
 
 #include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace kvrtb {
@@ -74,6 +76,15 @@ public:
     /// colour. Raises `Begin`, `Finish` and `Ready`; the view scrolls back to where it was.
     int ReplaceAll(const QString &find, const QString &replacement, FindOptionsQ options,
                    std::optional<Colour> fontColour = std::nullopt);
+
+    /// Computes the replacements of a pass over the document's plain text: ascending ranges that
+    /// do not overlap, each with its new text.
+    using ReplacementsIn = std::function<QList<EditorSurface::TextReplacement>(const QString &text)>;
+    /// A replace-all pass over the ranges \a replacementsIn gives for the document: the same
+    /// one batched edit, undo snapshot, stop flag, events and scrolling back as `ReplaceAll`
+    /// (which is this pass over the literal hits). \a replacementsIn is called again when input
+    /// handled during a yield changed the document. Returns the number replaced.
+    int replaceEach(const ReplacementsIn &replacementsIn, std::optional<Colour> fontColour = std::nullopt);
 
     /// The dialog's "Replace": when the selection is an occurrence of \a find under \a options
     /// it is replaced (taking \a fontColour when given); then the next occurrence after the

@@ -2,12 +2,14 @@
 
 #include "core/colour.h"
 #include "core/kvrtbtypes.h"
+#include "findreplace/findsession.h"
 
 #include <QDialog>
 
 #include <optional>
 
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 
@@ -32,7 +34,20 @@ class ControlCore;
 /// "Replace" replaces the selection when it is a hit, then finds the next one (a first press
 /// with no hit selected only finds). Closing the dialog sets the stop flag, so a replace-all
 /// running in a yield stops. The buttons that search are enabled only while `FindTxt` holds
-/// text; Enter in the dialog is "Find Next".
+/// text; Enter in the dialog is "Find Next", Shift+Enter "Find Previous", Escape closes it.
+///
+/// Beyond those, the frame holds `RegexCheck` ("Regular expression": the find text is a PCRE2
+/// pattern, see `FindQuery` for its settings and the "\1" / "$1" group references of the
+/// replacement), `WrapAroundCheck` ("Wrap around", on: see `FindSession`), `HighlightAllCheck`
+/// ("Highlight all matches", on) and `InSelectionCheck` ("Find in selection": limits finding,
+/// replacing and counting to the selection the user has when turning it on). Under the frame,
+/// `MatchCountLabel` shows the count ("3 of 41") and `StatusLabel` what the message boxes do not
+/// tell: an invalid pattern ("Invalid regular expression: missing closing parenthesis at offset
+/// 2."), a pattern too complex for the text, a search that wrapped, an empty selection for
+/// find in selection, or its text replaced as a whole (which turns find in selection off). Without the new options, "Find Next" and "Replace All" act and report as
+/// above; with wrap-around, "Find Next" tells "not found" only when there is no match at all.
+/// Replace all in a selection reports "N replacements made in the selection." and "The text:
+/// ''X'' not found in the selection.".
 ///
 /// Created by `FindReplace::ShowFindReplace`; the dialog is owned by its parent widget.
 class FindReplaceFrm : public QDialog {
@@ -48,10 +63,15 @@ public:
 
     /// The title of every outcome box.
     static QString messageTitle() { return QStringLiteral("Search Complete"); }
+    /// The engine that finds, counts and highlights for this dialog.
+    FindSession &session() const { return *m_session; }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
     void reject() override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void findNext();
@@ -60,7 +80,15 @@ private:
     void replaceAll();
     void chooseFontColour();
     void updateButtons();
-    FindOptionsQ options() const;
+    /// Hands the find text and the options to the session and shows a pattern error.
+    void updateQuery();
+    void updateCount();
+    void toggleInSelection(bool on);
+    /// Shows the outcome of a find in direction \a forward: nothing, a wrap note, an error, or
+    /// "not found" (\a ending).
+    void report(FindSession::Outcome outcome, bool forward, const QString &ending);
+    QString wrapNote(bool forward) const;
+    static QString tooComplexMessage();
     std::optional<Colour> replacementColour() const;
     void tell(const QString &message);
     /// "The text: ''X''" followed by \a ending.
@@ -72,6 +100,13 @@ private:
     QCheckBox *m_wholeWord = nullptr;
     QCheckBox *m_matchCase = nullptr;
     QCheckBox *m_applyFontColour = nullptr;
+    QCheckBox *m_regex = nullptr;
+    QCheckBox *m_wrapAround = nullptr;
+    QCheckBox *m_highlightAll = nullptr;
+    QCheckBox *m_inSelection = nullptr;
+    QLabel *m_countLabel = nullptr;
+    QLabel *m_statusLabel = nullptr;
+    FindSession *m_session = nullptr;
     QPushButton *m_fontColourButton = nullptr;
     QPushButton *m_findNextButton = nullptr;
     QPushButton *m_findPreviousButton = nullptr;

@@ -8,6 +8,8 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 
+#include <algorithm>
+
 namespace kvrtb {
 
 namespace {
@@ -32,6 +34,21 @@ bool Printing::prepareSystemPrinter(QPrinter &printer) const
     return true;
 }
 
+void Printing::useDocumentPaper(QPrinter &printer, bool systemPrinter) const
+{
+    const std::optional<DocumentPage> page = m_core.surface().documentPage();
+    if (!page || !page->hasPaper()) {
+        if (!systemPrinter)
+            printer.setPageSize(defaultPaperSize());
+        return;
+    }
+    // Paper sizes are named upright; the orientation turns them.
+    const QSize twips = page->paperTwips;
+    const QSizeF upright(std::min(twips.width(), twips.height()) / 20.0, std::max(twips.width(), twips.height()) / 20.0);
+    printer.setPageSize(QPageSize(upright, QPageSize::Point, QString(), QPageSize::FuzzyMatch));
+    printer.setPageOrientation(page->landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+}
+
 int Printing::printTo(QPagedPaintDevice &device, bool selectionOnly, int fromPage, int toPage, QString *error) const
 {
     const QPageSize paper = device.pageLayout().pageSize().isValid() ? device.pageLayout().pageSize()
@@ -39,6 +56,14 @@ int Printing::printTo(QPagedPaintDevice &device, bool selectionOnly, int fromPag
     const int margin = effectiveMarginTwips(m_core.properties().PrinterMargin, paper);
     PageRenderRequest request;
     request.marginsTwips = QMargins(margin, margin, margin, margin);
+    // The document's own margins, while they leave an inch of text each way on this paper.
+    const std::optional<DocumentPage> page = m_core.surface().documentPage();
+    if (page && page->hasMargins()) {
+        const QSizeF size = device.pageLayout().fullRectPoints().size() * 20.0;
+        const QMargins &m = page->marginsTwips;
+        if (size.width() - m.left() - m.right() >= kTwipsPerInch && size.height() - m.top() - m.bottom() >= kTwipsPerInch)
+            request.marginsTwips = m;
+    }
     request.selectionOnly = selectionOnly;
     request.fromPage = fromPage;
     request.toPage = toPage;
@@ -56,8 +81,7 @@ int Printing::CommonDialogPrint(short *MyErr)
     if (MyErr)
         *MyErr = 0;
     QPrinter printer(QPrinter::HighResolution);
-    if (!prepareSystemPrinter(printer))
-        printer.setPageSize(defaultPaperSize());
+    useDocumentPaper(printer, prepareSystemPrinter(printer));
     const bool hasSelection = m_core.surface().selLength() > 0;
     if (!m_core.services().printDialog(printer, hasSelection)) {
         if (MyErr)
@@ -90,10 +114,12 @@ void Printing::SelPrint(const QVariant &vStartDoc)
         printer.setDocName(kJobName);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(vStartDoc.toString());
-        printer.setPageSize(defaultPaperSize());
+        useDocumentPaper(printer, false);
     } else if (!prepareSystemPrinter(printer)) {
         qWarning("KvRTB: SelPrint: the system has no printer; nothing was printed.");
         return;
+    } else {
+        useDocumentPaper(printer, true);
     }
     QString error;
     if (printTo(printer, true, 0, 0, &error) < 0)
@@ -103,8 +129,7 @@ void Printing::SelPrint(const QVariant &vStartDoc)
 void Printing::ShowPrintPreview()
 {
     QPrinter printer(QPrinter::HighResolution);
-    if (!prepareSystemPrinter(printer))
-        printer.setPageSize(defaultPaperSize());
+    useDocumentPaper(printer, prepareSystemPrinter(printer));
     m_core.services().printPreview(printer, [this](QPrinter &target) {
         QString error;
         const bool selectionOnly = target.printRange() == QPrinter::Selection;

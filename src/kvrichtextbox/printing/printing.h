@@ -14,8 +14,9 @@ class ControlCore;
 
 /// \brief Printing and print preview of the control's document.
 ///
-/// Pages carry the document as the editor shows it, within margins of `PrinterMargin` twips on
-/// every side (see `effectiveMarginTwips`), with the heading, page numbers, date and custom text
+/// Pages carry the document as the editor shows it, on the document's own paper and within its
+/// own margins when it has them (a loaded RTF file's page setup), otherwise within margins of
+/// `PrinterMargin` twips on every side (see `effectiveMarginTwips`), with the heading, page numbers, date and custom text
 /// of `decorations()` in the margins. Dialogs come from the platform services. Failures are
 /// reported through the members' out arguments and a warning; no message box is shown.
 class Printing {
@@ -54,6 +55,9 @@ public:
 private:
     /// Sets a new printer's paper and document name; false when the system has no printer.
     bool prepareSystemPrinter(QPrinter &printer) const;
+    /// Puts a new printer on the document's paper when the document has one (a loaded RTF
+    /// file's page setup), the default paper otherwise; the print dialog may still change it.
+    void useDocumentPaper(QPrinter &printer, bool systemPrinter) const;
 
     ControlCore &m_core;
     PageDecorations m_decorations;

@@ -1,6 +1,7 @@
 #include "spelling/spellasyoutype.h"
 
 #include "core/controlcore.h"
+#include "core/textspans.h"
 #include "hyperlinks/addresspatterns.h"
 #include "spelling/dictionary.h"
 #include "spelling/misspellingscanner.h"
@@ -45,35 +46,12 @@ CutText cutMatches(const QRegularExpression &pattern, const CutText &source)
     return kept;
 }
 
-/// Moves the spans of \a spans for an edit at \a position that removed \a removed characters
-/// and added \a added: spans before it stay, spans after it move, spans it touched are handed
-/// to \a touched (and dropped).
-template <typename Touched>
-void moveSpans(QList<EditorSurface::TextSpan> &spans, int position, int removed, int added, Touched touched)
-{
-    const int delta = added - removed;
-    QList<EditorSurface::TextSpan> moved;
-    moved.reserve(spans.size());
-    for (EditorSurface::TextSpan span : std::as_const(spans)) {
-        if (span.end() <= position) {
-            moved.append(span);
-        } else if (span.start >= position + removed) {
-            span.start += delta;
-            moved.append(span);
-        } else {
-            touched(span);
-        }
-    }
-    spans.swap(moved);
-}
-
 } // namespace
 
 SpellAsYouType::SpellAsYouType(ControlCore &core)
     : m_core(core)
 {
     m_timer.setSingleShot(true);
-    m_timer.setInterval(0);
     QObject::connect(&m_timer, &QTimer::timeout, [this] { checkSlice(kSliceMilliseconds); });
     m_core.surface().addContentsObserver([this, alive = m_alive](int position, int removed, int added) {
         if (*alive)
@@ -95,9 +73,12 @@ void SpellAsYouType::setEnabled(bool enabled)
     m_dirty.clear();
     if (enabled) {
         queue({0, std::max(1, m_core.surface().textLength())});
+        schedule(0);
     } else {
         m_timer.stop();
         m_core.surface().setDecorations(EditorSurface::DecorationLayer::Misspelling, {});
+        if (m_marksObserver)
+            m_marksObserver();
     }
 }
 
@@ -146,9 +127,9 @@ void SpellAsYouType::onContentsChanged(int position, int removed, int added)
 {
     if (!m_enabled)
         return;
-    moveSpans(m_marks, position, removed, added, [](const Span &) {});
+    moveTextSpans(m_marks, position, removed, added);
     QList<Span> touched;
-    moveSpans(m_dirty, position, removed, added, [&](const Span &span) { touched.append(span); });
+    moveTextSpans(m_dirty, position, removed, added, [&](const Span &span) { touched.append(span); });
     // A waiting stretch the edit cut into is kept whole (in new positions), so nothing of it
     // is forgotten; checking a little more than needed is harmless.
     int start = position;
@@ -158,6 +139,8 @@ void SpellAsYouType::onContentsChanged(int position, int removed, int added)
         end = std::max(end, span.end() + added - removed);
     }
     queue({start, end - start});
+    // While keys keep coming the edited paragraph waits: it is checked once typing pauses.
+    schedule(kPauseMilliseconds);
 }
 
 void SpellAsYouType::queue(Span range)
@@ -174,35 +157,41 @@ void SpellAsYouType::queue(Span range)
             merged.append(span);
     }
     m_dirty.swap(merged);
-    schedule();
 }
 
-void SpellAsYouType::schedule()
+void SpellAsYouType::schedule(int delayMs)
 {
-    if (m_enabled && !m_dirty.isEmpty() && !m_timer.isActive())
-        m_timer.start();
+    if (!m_enabled || m_dirty.isEmpty())
+        return;
+    if (delayMs > 0)
+        m_timer.start(delayMs); // (re)starts the wait
+    else if (!m_timer.isActive())
+        m_timer.start(0);
 }
 
-int SpellAsYouType::checkParagraphAt(int position)
+bool SpellAsYouType::checkParagraphAt(int position, int *next)
 {
     EditorSurface &surface = m_core.surface();
     const Span paragraph = surface.paragraphAt(position);
     const QList<Span> found = misspeltSpans(surface.textRange(paragraph.start, paragraph.length));
+    *next = paragraph.end() + 1;
 
     auto first = std::lower_bound(m_marks.begin(), m_marks.end(), paragraph.start,
                                   [](const Span &mark, int start) { return mark.end() <= start; });
     auto last = first;
     while (last != m_marks.end() && last->start <= paragraph.end())
         ++last;
-    const qsizetype index = first - m_marks.begin();
-    m_marks.erase(first, last);
     QList<Span> placed;
     placed.reserve(found.size());
     for (const Span &span : found)
         placed.append({paragraph.start + span.start, span.length});
+    if (std::equal(first, last, placed.cbegin(), placed.cend()))
+        return false;
+    const qsizetype index = first - m_marks.begin();
+    m_marks.erase(first, last);
     m_marks.insert(index, placed.size(), Span{});
     std::copy(placed.cbegin(), placed.cend(), m_marks.begin() + index);
-    return paragraph.end() + 1;
+    return true;
 }
 
 void SpellAsYouType::checkSlice(int budgetMs)
@@ -212,20 +201,29 @@ void SpellAsYouType::checkSlice(int budgetMs)
     QElapsedTimer clock;
     clock.start();
     const int length = m_core.surface().textLength();
+    bool changed = false;
     while (!m_dirty.isEmpty() && (budgetMs < 0 || clock.elapsed() < budgetMs)) {
         Span &range = m_dirty.first();
         if (range.start > length) {
             m_dirty.removeFirst();
             continue;
         }
-        const int next = checkParagraphAt(range.start);
+        int next = 0;
+        changed |= checkParagraphAt(range.start, &next);
         if (next >= range.end() || next > length)
             m_dirty.removeFirst();
         else
             range = {next, range.end() - next};
     }
-    m_core.surface().setDecorations(EditorSurface::DecorationLayer::Misspelling, m_marks);
-    schedule();
+    // The surface moves its copy of the marks with every edit as they are moved here, so when
+    // no paragraph's marks changed there is nothing to repaint; the copy is compared all the
+    // same (a plain comparison, far cheaper than repainting) so that it can never drift.
+    EditorSurface &surface = m_core.surface();
+    if (changed || surface.decorations(EditorSurface::DecorationLayer::Misspelling) != m_marks)
+        surface.setDecorations(EditorSurface::DecorationLayer::Misspelling, m_marks);
+    if (changed && m_marksObserver)
+        m_marksObserver();
+    schedule(0);
 }
 
 } // namespace kvrtb

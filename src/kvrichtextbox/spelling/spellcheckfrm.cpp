@@ -38,6 +38,7 @@ SpellCheckFrm::SpellCheckFrm(ControlCore &core, QWidget *parent)
 
     auto *notFound = new QLabel(QStringLiteral("Not in dictionary:"), this);
     m_context = new QLabel(this);
+    m_context->setAccessibleName(QStringLiteral("Not in dictionary"));
     m_context->setObjectName(QStringLiteral("ContextLB"));
     m_context->setTextFormat(Qt::RichText);
     m_context->setWordWrap(true);
@@ -48,16 +49,19 @@ SpellCheckFrm::SpellCheckFrm(ControlCore &core, QWidget *parent)
     auto *changeToLabel = new QLabel(QStringLiteral("Change to:"), this);
     m_changeTo = new QLineEdit(this);
     m_changeTo->setObjectName(QStringLiteral("ChangeToTxt"));
+    m_changeTo->setAccessibleName(QStringLiteral("Change to"));
     changeToLabel->setBuddy(m_changeTo);
 
     auto *suggestionsLabel = new QLabel(QStringLiteral("Suggestions:"), this);
     m_suggestions = new QListWidget(this);
     m_suggestions->setObjectName(QStringLiteral("SuggestionsList"));
+    m_suggestions->setAccessibleName(QStringLiteral("Suggestions"));
     suggestionsLabel->setBuddy(m_suggestions);
 
     auto *accuracyLabel = new QLabel(QStringLiteral("Accuracy:"), this);
     m_accuracy = new QSpinBox(this);
     m_accuracy->setObjectName(QStringLiteral("AccuracySpin"));
+    m_accuracy->setAccessibleName(QStringLiteral("Accuracy"));
     m_accuracy->setRange(-50, 110);
     m_accuracy->setSingleStep(10);
     m_accuracy->setValue(Suggestions::kDefaultAccuracy);
@@ -66,6 +70,7 @@ SpellCheckFrm::SpellCheckFrm(ControlCore &core, QWidget *parent)
 
     m_progress = new QProgressBar(this);
     m_progress->setObjectName(QStringLiteral("ProgressBar"));
+    m_progress->setAccessibleName(QStringLiteral("Progress"));
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("StatusLB"));
 

@@ -1,5 +1,7 @@
 #include "surface/formatmapping.h"
 
+#include "surface/listmarkers.h"
+
 #include "surface/qteditorsurface_p.h"
 
 #include <QTextBlock>
@@ -413,7 +415,11 @@ void applyParaFieldsFrom(QTextBlockFormat &qt, const ParaFormat &change, const Q
         qt.setProperty(LeftIndent, left);
         qt.setProperty(HangingIndent, hanging);
         qt.setLeftMargin(twipsToPixels(left + hanging));
-        qt.setTextIndent(twipsToPixels(-hanging));
+        // A list paragraph that shows its marker in its hanging indent starts its first line's
+        // text with the other lines (the marker fills the indent).
+        const bool markerHangs = listmarkers::isDrawnBySurface(current) && qFuzzyIsNull(current.textIndent())
+                                 && current.hasProperty(HangingIndent) && current.intProperty(HangingIndent) > 0;
+        qt.setTextIndent(markerHangs && hanging > 0 ? 0 : twipsToPixels(-hanging));
     }
     if (change.rightIndent) {
         qt.setProperty(RightIndent, *change.rightIndent);
@@ -473,6 +479,11 @@ void applyParaFormat(QTextCursor &cursor, const ParaFormat &change)
                     list->remove(block);
                     QTextBlockFormat plain = block.blockFormat();
                     plain.setIndent(0);
+                    if (listmarkers::isDrawnBySurface(plain)) {
+                        // Without its marker the paragraph's first line hangs again.
+                        plain.clearProperty(QTextFormat::ListStyle);
+                        plain.setTextIndent(twipsToPixels(-plain.intProperty(HangingIndent)));
+                    }
                     work.setPosition(block.position());
                     work.setBlockFormat(plain);
                 }
@@ -490,10 +501,27 @@ void applyParaFormat(QTextCursor &cursor, const ParaFormat &change)
                 if (block == last)
                     break;
             }
-            if (sameList)
-                existing->setFormat(listFormat);
-            else
+            if (sameList) {
+                // The list keeps its level and the way it indents.
+                QTextListFormat renumbered = listFormat;
+                const QTextListFormat before = existing->format();
+                renumbered.setIndent(before.indent());
+                if (before.hasProperty(listmarkers::ListLevelProperty))
+                    renumbered.setProperty(listmarkers::ListLevelProperty, before.property(listmarkers::ListLevelProperty));
+                existing->setFormat(renumbered);
+            } else
                 range.createList(listFormat);
+            // The surface draws the markers, from the list's start number.
+            for (QTextBlock block = document->findBlock(start); block.isValid(); block = block.next()) {
+                QTextBlockFormat marked = block.blockFormat();
+                if (!listmarkers::isDrawnBySurface(marked)) {
+                    listmarkers::setDrawnBySurface(marked);
+                    work.setPosition(block.position());
+                    work.setBlockFormat(marked);
+                }
+                if (block == last)
+                    break;
+            }
         }
     }
     cursor.endEditBlock();

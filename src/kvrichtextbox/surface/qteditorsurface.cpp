@@ -115,6 +115,11 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     m_edit->setAccessibleName(tr("Rich text editor"));
     connect(doc, &QTextDocument::contentsChange, this, &QtEditorSurface::onContentsChange);
     connect(doc, &QTextDocument::contentsChanged, this, [this] {
+        // Painted links follow the text's formats, so in a dark palette every change counts.
+        if (m_decorationsStale || paintsLinks()) {
+            m_decorationsStale = false;
+            applyDecorations(false);
+        }
         if (m_listener && !m_quietHistory)
             m_listener->change();
     });
@@ -132,12 +137,12 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
     connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] {
         markLinesDirty();
-        if (!m_decorations.isEmpty())
+        if (decorating())
             applyDecorations();
     });
     connect(m_edit, &SurfaceTextEdit::paletteChanged, this, [this] { applyDecorations(); });
     connect(m_edit->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
-        if (!m_decorations.isEmpty())
+        if (decorating())
             applyDecorations();
     });
     connect(m_edit, &QTextEdit::cursorPositionChanged, this, &QtEditorSurface::onCursorMoved);
@@ -178,7 +183,7 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;
     markLinesDirty();
-    if (!m_decorations.isEmpty())
+    if (decorating())
         moveDecorations(from, std::max(0, removed), std::max(0, added));
     if (!m_contentsObservers.isEmpty()) {
         // The document reports a change of its first block with counts that may run past the
@@ -503,29 +508,6 @@ void QtEditorSurface::setRangeCharFormat(int start, int length, const CharFormat
 void QtEditorSurface::setDocumentCharFormat(const CharFormat &change)
 {
     setRangeCharFormat(0, -1, change);
-}
-
-void QtEditorSurface::applyCharFormats(const QList<FormatSpan> &spans)
-{
-    QTextDocument *doc = document();
-    // A large batch touches blocks all over the document. Qt would lay out the whole changed
-    // range at once when the edit closes; with the page size withdrawn for the batch, the
-    // layout starts over lazily instead: the visible part at once, the rest when idle.
-    const bool relayoutLazily = spans.size() >= 256;
-    const QSizeF pageSize = doc->pageSize();
-    if (relayoutLazily)
-        doc->setPageSize(QSizeF());
-    QTextCursor batch(doc);
-    batch.beginEditBlock();
-    for (const FormatSpan &span : spans) {
-        QTextCursor range = rangeCursor(span.start, span.length);
-        if (range.hasSelection())
-            format::applyCharFormat(range, span.format);
-    }
-    batch.endEditBlock();
-    if (relayoutLazily)
-        doc->setPageSize(pageSize);
-    markLinesDirty();
 }
 
 // --- Paragraph format -----------------------------------------------------------------------

@@ -55,6 +55,7 @@ public:
     void setRangeCharFormat(int start, int length, const CharFormat &format) override;
     void setDocumentCharFormat(const CharFormat &format) override;
     void applyCharFormats(const QList<FormatSpan> &spans) override;
+    void applyColourRuns(int start, int length, const CharFormat &base, const QList<ColourRun> &runs) override;
     void rewriteCharacters(const QList<TextRewrite> &rewrites) override;
     void replaceRanges(const QList<TextReplacement> &replacements, const CharFormat *format = nullptr) override;
     CharFormat rangeCharFormat(int start, int length) const override;
@@ -131,6 +132,7 @@ public:
     quintptr windowHandle() const override;
     QWidget *widget() const override;
     void print(QPagedPaintDevice *device) const override;
+    std::optional<DocumentPage> documentPage() const override;
     int renderPages(QPagedPaintDevice *device, const PageRenderRequest &request,
                     QString *error = nullptr) const override;
 
@@ -141,6 +143,7 @@ public:
     TextSpan paragraphAt(int position) const override;
     int charAtGlobalPoint(const QPoint &globalPoint) const override;
     void addContentsObserver(ContentsObserver observer) override;
+    void setAccessibleDescription(const QString &description) override;
 
 private:
     QTextCursor cursor() const;
@@ -187,6 +190,10 @@ private:
     void applyDecorations(bool findView = true);
     /// Moves the decoration spans for an edit; spans the edit touched are dropped.
     void moveDecorations(int position, int removed, int added);
+    /// True when links are painted in the palette's link colour (a dark palette).
+    bool paintsLinks() const;
+    /// True when anything is painted over the text: a decoration layer or the links.
+    bool decorating() const;
     /// The look of a layer's spans in the widget's current palette.
     QTextCharFormat decorationFormat(DecorationLayer layer) const;
 
@@ -196,6 +203,7 @@ private:
     QMap<int, QList<TextSpan>> m_decorations;
     int m_viewStart = 0;  ///< the text in view when decorations were last painted
     int m_viewEnd = -1;   ///< -1: not known
+    bool m_decorationsStale = false; ///< an edit changed a shown span: hand them over again
     QList<ContentsObserver> m_contentsObservers;
     SurfaceListener *m_listener = nullptr;
     QTextCursor m_frozenCursor;

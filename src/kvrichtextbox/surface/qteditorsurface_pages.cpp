@@ -2,7 +2,9 @@
 // queries the ruler draws from.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/qteditorsurface.h"
+#include "surface/rtf/rtfformats.h"
 #include "surface/surfacetextedit.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -74,6 +76,31 @@ int QtEditorSurface::textOriginX() const
     return viewport->mapTo(m_edit, QPoint(0, 0)).x() + margin - m_edit->horizontalScrollBar()->value();
 }
 
+std::optional<DocumentPage> QtEditorSurface::documentPage() const
+{
+    const QList<int> setup = document()->rootFrame()->frameFormat().property(rtf::PageSetupProperty).value<QList<int>>();
+    if (setup.size() != rtf::PageSetupFields)
+        return std::nullopt;
+    DocumentPage page;
+    page.paperTwips = QSize(setup[rtf::PaperWidth], setup[rtf::PaperHeight]);
+    if (!page.hasPaper())
+        page.paperTwips = QSize();
+    // Margins not given take the defaults of RTF: an inch and a quarter at the sides, an inch
+    // at the top and bottom.
+    const bool anyMargin = setup[rtf::MarginLeft] || setup[rtf::MarginTop] || setup[rtf::MarginRight]
+                           || setup[rtf::MarginBottom];
+    if (anyMargin) {
+        const auto orDefault = [](int given, int fallback) { return given > 0 ? given : fallback; };
+        page.marginsTwips = QMargins(orDefault(setup[rtf::MarginLeft], 1800), orDefault(setup[rtf::MarginTop], 1440),
+                                     orDefault(setup[rtf::MarginRight], 1800), orDefault(setup[rtf::MarginBottom], 1440));
+    }
+    page.landscape = setup[rtf::Landscape] != 0
+                     || (page.hasPaper() && page.paperTwips.width() > page.paperTwips.height());
+    if (!page.hasPaper() && !page.hasMargins())
+        return std::nullopt;
+    return page;
+}
+
 int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequest &request, QString *error) const
 {
     auto fail = [error](const QString &reason) {
@@ -135,6 +162,7 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
         context.clip = view.adjusted(0, 1, 0, -1);
         context.palette.setColor(QPalette::Text, Qt::black);
         textLayout->draw(&painter, context);
+        listmarkers::paint(painter, *copy, context.clip, Qt::black);
         painter.restore();
         if (request.decorate)
             request.decorate(painter, PageFrame{page, pageCount, paper, body});

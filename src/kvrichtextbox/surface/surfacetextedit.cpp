@@ -1,5 +1,7 @@
 #include "surface/surfacetextedit.h"
 
+#include "surface/listmarkers.h"
+
 #include "core/editorsurface.h"
 #include "core/virtualkeys.h"
 #include "surface/rtf/rtfreader.h"
@@ -10,6 +12,8 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
 #include <QTextCursor>
 #include <QTextDocument>
 
@@ -233,6 +237,17 @@ void SurfaceTextEdit::insertFromMimeData(const QMimeData *source)
         }
     }
     QTextEdit::insertFromMimeData(source);
+}
+
+void SurfaceTextEdit::paintEvent(QPaintEvent *event)
+{
+    QTextEdit::paintEvent(event);
+    QPainter painter(viewport());
+    const QPointF offset(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+    painter.translate(offset);
+    const QRectF area = QRectF(event->rect()).translated(-offset);
+    painter.setClipRect(area);
+    listmarkers::paint(painter, *document(), area, palette().color(QPalette::Text));
 }
 
 void SurfaceTextEdit::changeEvent(QEvent *event)

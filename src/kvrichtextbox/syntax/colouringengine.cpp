@@ -7,19 +7,24 @@
 namespace kvrtb {
 
 ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules)
+    : ColouringEngine(subject, rules, collect(subject, rules))
+{
+}
+
+ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules, Matches matches)
     : m_original(subject),
       m_text(subject),
       m_rules(rules),
+      m_matches(std::move(matches)),
       m_colour(size_t(subject.size()), 0),
       m_protected(size_t(subject.size()), false)
 {
     for (int role = 0; role < kRoleCount; ++role) {
         // Colours are compared as the surface reports them: system colours as their RGB value.
         m_colours[size_t(role)] = translateColour(rules.passes[size_t(role)].colour);
-        collect(role, rules.passes[size_t(role)]);
-        m_total += int(m_matches[size_t(role)].size());
+        m_total += int(m_matches.byRole[size_t(role)].size());
     }
-    while (m_role < kRoleCount && m_matches[size_t(m_role)].isEmpty())
+    while (m_role < kRoleCount && m_matches.byRole[size_t(m_role)].isEmpty())
         ++m_role;
     if (rules.capitalise) {
         for (const QString &entry : rules.canonicalKeywords.split(QLatin1Char('|'), Qt::SkipEmptyParts)) {
@@ -31,32 +36,37 @@ ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules)
     }
 }
 
-void ColouringEngine::collect(int role, const Pass &pass)
+ColouringEngine::Matches ColouringEngine::collect(const QString &subject, const Rules &rules)
 {
-    if (pass.pattern.isEmpty())
-        return;
-    const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
-    if (!pattern.isValid()) {
-        m_warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
-                          .arg(pass.name, pattern.errorString())
-                          .arg(pattern.patternErrorOffset());
-        return;
+    Matches found;
+    for (int role = 0; role < kRoleCount; ++role) {
+        const Pass &pass = rules.passes[size_t(role)];
+        if (pass.pattern.isEmpty())
+            continue;
+        const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
+        if (!pattern.isValid()) {
+            found.warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
+                                  .arg(pass.name, pattern.errorString())
+                                  .arg(pattern.patternErrorOffset());
+            continue;
+        }
+        // A pattern that backtracks without end stops at the engine's match limit and counts as
+        // no further match.
+        QList<Match> &matches = found.byRole[size_t(role)];
+        QRegularExpressionMatchIterator it = pattern.globalMatch(subject);
+        while (it.hasNext()) {
+            const QRegularExpressionMatch match = it.next();
+            matches.append({int(match.capturedStart()), int(match.capturedLength())});
+        }
     }
-    // A pattern that backtracks without end stops at the engine's match limit and counts as no
-    // further match.
-    QList<Match> &matches = m_matches[size_t(role)];
-    QRegularExpressionMatchIterator it = pattern.globalMatch(m_original);
-    while (it.hasNext()) {
-        const QRegularExpressionMatch match = it.next();
-        matches.append({int(match.capturedStart()), int(match.capturedLength())});
-    }
+    return found;
 }
 
 bool ColouringEngine::handleNext(bool skip)
 {
     if (atEnd() || m_role >= kRoleCount)
         return false;
-    const QList<Match> &matches = m_matches[size_t(m_role)];
+    const QList<Match> &matches = m_matches.byRole[size_t(m_role)];
     if (!skip)
         handle(m_role, matches.at(m_index));
     ++m_handled;
@@ -64,7 +74,7 @@ bool ColouringEngine::handleNext(bool skip)
         return false;
     m_index = 0;
     ++m_role;
-    while (m_role < kRoleCount && m_matches[size_t(m_role)].isEmpty())
+    while (m_role < kRoleCount && m_matches.byRole[size_t(m_role)].isEmpty())
         ++m_role;
     return true;
 }
@@ -146,9 +156,9 @@ void ColouringEngine::makeCanonical(const Match &match)
     }
 }
 
-QList<EditorSurface::FormatSpan> ColouringEngine::colourSpans(int offset) const
+QList<EditorSurface::ColourRun> ColouringEngine::colourRuns(int offset) const
 {
-    QList<EditorSurface::FormatSpan> spans;
+    QList<EditorSurface::ColourRun> runs;
     const int size = int(m_colour.size());
     int i = 0;
     while (i < size) {
@@ -156,16 +166,11 @@ QList<EditorSurface::FormatSpan> ColouringEngine::colourSpans(int offset) const
         int end = i + 1;
         while (end < size && m_colour[size_t(end)] == colour)
             ++end;
-        if (colour != 0) {
-            spans.emplace_back();
-            EditorSurface::FormatSpan &span = spans.back();
-            span.start = offset + i;
-            span.length = end - i;
-            span.format.color = colour;
-        }
+        if (colour != 0)
+            runs.append({offset + i, end - i, colour});
         i = end;
     }
-    return spans;
+    return runs;
 }
 
 QList<EditorSurface::TextRewrite> ColouringEngine::rewrites(int offset) const

@@ -25,7 +25,7 @@ namespace kvrtb {
 /// comment-coloured, a keyword inside a comment or a string is left alone.
 ///
 /// The caller drives the walk (`handleNext`), which lets it yield, report progress and stop
-/// between matches; then it takes the result as format spans and text rewrites and applies
+/// between matches; then it takes the result as colour runs and text rewrites and applies
 /// them to the surface in one batch. The text is assumed to be freshly reset to black (the
 /// colouring run sets colour 0 over the whole subject before the passes).
 ///
@@ -33,7 +33,7 @@ namespace kvrtb {
 /// ColouringEngine engine(text, rules);
 /// while (!engine.atEnd())
 ///     engine.handleNext();
-/// surface.applyCharFormats(engine.colourSpans(0));
+/// surface.applyColourRuns(0, -1, base, engine.colourRuns(0));
 /// surface.rewriteCharacters(engine.rewrites(0));
 /// \endcode
 class ColouringEngine {
@@ -59,9 +59,28 @@ public:
         QString canonicalKeywords;
     };
 
-    /// Collects the matches of the three patterns in \a subject (case-insensitive, all of them).
-    /// An invalid pattern contributes no match and a line in `warnings`.
+    /// One match of a pattern: its position in the subject and its length.
+    struct Match {
+        int start;
+        int length;
+    };
+    /// \brief The matches of the three patterns in a subject, in text order for each role.
+    ///
+    /// Finding them reads nothing but the subject and the rules, so `collect` may run on
+    /// another thread while the control does something else.
+    struct Matches {
+        std::array<QList<Match>, kRoleCount> byRole; ///< indexed by `Role`
+        QStringList warnings;                        ///< one line per pattern that could not be used
+    };
+    /// Finds the matches of the three patterns in \a subject (case-insensitive, all of them).
+    /// An invalid pattern contributes no match and a line in the warnings; a pattern that
+    /// backtracks without end stops at the pattern engine's match limit.
+    static Matches collect(const QString &subject, const Rules &rules);
+
+    /// Collects the matches of the three patterns in \a subject itself.
     ColouringEngine(const QString &subject, const Rules &rules);
+    /// Takes \a matches that `collect` found in this same \a subject with these same \a rules.
+    ColouringEngine(const QString &subject, const Rules &rules, Matches matches);
 
     /// The number of matches of all three passes.
     int total() const { return m_total; }
@@ -74,11 +93,11 @@ public:
     bool handleNext(bool skip = false);
 
     /// One line per pattern that could not be used.
-    const QStringList &warnings() const { return m_warnings; }
+    const QStringList &warnings() const { return m_matches.warnings; }
 
-    /// The colours the handled matches gave, as spans of equal colour shifted by \a offset.
-    /// Characters still black (colour 0) get no span.
-    QList<EditorSurface::FormatSpan> colourSpans(int offset) const;
+    /// The colours the handled matches gave, as runs of equal colour shifted by \a offset.
+    /// Characters still black (colour 0) get no run.
+    QList<EditorSurface::ColourRun> colourRuns(int offset) const;
     /// The capitalisation changes, as runs of changed characters shifted by \a offset.
     QList<EditorSurface::TextRewrite> rewrites(int offset) const;
     /// The text with the capitalisation changes made so far.
@@ -89,12 +108,6 @@ public:
     static int percentage(int count, int total);
 
 private:
-    struct Match {
-        int start;
-        int length;
-    };
-
-    void collect(int role, const Pass &pass);
     void handle(int role, const Match &match);
     /// True when every character of the range (paragraph breaks aside) has \a colour.
     bool hasColour(const Match &match, Colour colour) const;
@@ -110,10 +123,9 @@ private:
     /// The canonical list as a set of its entries, and its first entry for each lower-case form.
     QSet<QString> m_canonicalExact;
     QHash<QString, QString> m_canonicalByLowerCase;
-    std::array<QList<Match>, kRoleCount> m_matches;
+    Matches m_matches;
     std::vector<Colour> m_colour;
     std::vector<bool> m_protected;
-    QStringList m_warnings;
     int m_total = 0;
     int m_handled = 0;
     int m_role = 0;

@@ -143,8 +143,11 @@ void Syntax::applySyntax(Variant variant, const QString &member, int method, int
     const int caret = surface.selStart();
     {
         BusyGuard busy(m_core.services());
+        // The subject is searched on a worker thread while the snapshot is taken: both only
+        // read, and nothing runs in between that could change the text.
+        EarlySearch early = searchEarly(variant, method);
         m_core.specialUndo().SaveSpecialUndoData();
-        colouringPass(variant, method, formatting);
+        colouringPass(variant, method, formatting, early);
     }
     if (method == Syntax_All_Text)
         surface.setSelStart(caret);
@@ -152,7 +155,17 @@ void Syntax::applySyntax(Variant variant, const QString &member, int method, int
     m_core.events().ready();
 }
 
-void Syntax::colouringPass(Variant variant, int method, int formatting)
+Syntax::EarlySearch Syntax::searchEarly(Variant variant, int method) const
+{
+    const EditorSurface &surface = m_core.surface();
+    EarlySearch early;
+    early.revision = surface.revision();
+    early.subject = method == Syntax_All_Text ? surface.text() : surface.selectedText();
+    early.matches = std::async(std::launch::async, &ColouringEngine::collect, early.subject, rulesFor(variant));
+    return early;
+}
+
+void Syntax::colouringPass(Variant variant, int method, int formatting, EarlySearch &early)
 {
     ThreadState &state = threadState();
     if (state.colouringBusy)
@@ -168,8 +181,11 @@ void Syntax::colouringPass(Variant variant, int method, int formatting)
     const bool allText = method == Syntax_All_Text;
     for (int attempt = 0; attempt < kMaxRestarts; ++attempt) {
         const int start = allText ? 0 : surface.selStart();
-        const QString subject = allText ? surface.text() : surface.selectedText();
-        ColouringEngine engine(subject, rules);
+        // A restart reads the text as it is now and searches it again.
+        const quint64 revision = attempt == 0 ? early.revision : surface.revision();
+        const QString subject = attempt == 0 ? early.subject : allText ? surface.text() : surface.selectedText();
+        ColouringEngine engine = attempt == 0 ? ColouringEngine(subject, rules, early.matches.get())
+                                              : ColouringEngine(subject, rules);
         if (attempt == 0) {
             for (const QString &warning : engine.warnings())
                 qWarning("KvRTB: %s", qPrintable(warning));
@@ -186,10 +202,13 @@ void Syntax::colouringPass(Variant variant, int method, int formatting)
             return;
         }
         // The walk yielded: if the text changed meanwhile (the user typed), its positions no
-        // longer fit, so it starts over on the text as it is now.
-        const QString now = allText ? surface.text() : surface.textRange(start, int(subject.size()));
-        if (now != subject)
-            continue;
+        // longer fit, so it starts over on the text as it is now. An unchanged revision is an
+        // unchanged document, and then the text need not be read again to tell.
+        if (surface.revision() != revision) {
+            const QString now = allText ? surface.text() : surface.textRange(start, int(subject.size()));
+            if (now != subject)
+                continue;
+        }
 
         applyResult(engine, start, allText ? -1 : int(subject.size()), formatting);
         // Back to the first visible line of before the run. Only the part of the document down
@@ -233,9 +252,7 @@ void Syntax::applyResult(const ColouringEngine &engine, int start, int length, i
         noBullets.numbering = Numbering::None;
         surface.setSelectionParaFormat(noBullets);
     }
-    QList<EditorSurface::FormatSpan> spans = engine.colourSpans(start);
-    spans.prepend({start, length, baseFormat(formatting)});
-    surface.applyCharFormats(spans);
+    surface.applyColourRuns(start, length, baseFormat(formatting), engine.colourRuns(start));
     surface.rewriteCharacters(engine.rewrites(start));
     surface.setSelection(start, 0);
 }

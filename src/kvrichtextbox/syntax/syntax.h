@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <future>
+
 namespace kvrtb {
 
 class ControlCore;
@@ -22,7 +24,7 @@ class ControlCore;
 /// progress (`ProgressPercentage`, `ProgressBar1`); there the host may ask `CanCancelSyntax` or
 /// call `Cancel_Syntax` (or `KillSwitch`), and user input that arrived during the yield makes
 /// the walk pass over the next match uncoloured. Only a walk that ran to its end is applied: the
-/// spans and capitalisation changes go to the surface as one batch inside one display freeze.
+/// colour runs and capitalisation changes go to the surface as one batch inside one display freeze.
 /// So a cancelled run changes nothing at all, which is exactly the document as it was; the
 /// snapshot taken at the start stays in the undo slot.
 ///
@@ -63,8 +65,18 @@ public:
     static QString invalidMethodText(const QString &member);
 
 private:
+    /// The subject of a run, read at its start, and its matches being found on a worker thread.
+    struct EarlySearch {
+        QString subject;
+        quint64 revision = 0; ///< the surface's revision when the subject was read
+        std::future<ColouringEngine::Matches> matches;
+    };
+
     void applySyntax(Variant variant, const QString &member, int method, int formatting);
-    void colouringPass(Variant variant, int method, int formatting);
+    /// Reads the run's subject and starts finding its matches on a worker thread.
+    EarlySearch searchEarly(Variant variant, int method) const;
+    /// The colouring run proper; its first attempt takes the subject and matches of \a early.
+    void colouringPass(Variant variant, int method, int formatting, EarlySearch &early);
     /// Walks the engine to its end with yields; false when the run was cancelled.
     bool walk(ColouringEngine &engine);
     /// Applies the walked result and the formatting option to [start, start + length) (length

@@ -11,6 +11,11 @@
 // Editing treats them as part of their paragraph: deleting the paragraph deletes them, joining
 // two paragraphs keeps those of the first, and splitting a paragraph gives both halves the
 // same groups, which are written once (the writer never writes the same group twice).
+//
+// An embedded object (\object) shows its result (a picture or text) as the document's own
+// content; the rest of its group (its class, size and data) goes with the characters of that
+// result and is written back around them. Deleting the result deletes the object; an object
+// without a result is kept like the other groups.
 
 #include <QTextFormat>
 
@@ -21,6 +26,9 @@ enum KeptProperty {
     KeptParagraphGroups = QTextFormat::UserProperty + 45,
     /// QByteArray, on the document's root frame: the groups of the document's header.
     KeptDocumentGroups = QTextFormat::UserProperty + 46,
+    /// QByteArray, on the characters an embedded object shows (its \result): the object's
+    /// group up to its result ("{\object...{\*\objdata ...}"), written back around them.
+    KeptObjectGroup = QTextFormat::UserProperty + 62,
 };
 
 } // namespace kvrtb::rtf

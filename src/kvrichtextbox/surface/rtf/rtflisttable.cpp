@@ -30,10 +30,61 @@ QByteArray hexByte(int value)
     return out;
 }
 
+// The Unicode character a symbol font's character looks like (0 when it has none of its own).
+char16_t fromSymbolFont(int code, bool wingdings)
+{
+    if (wingdings) {
+        switch (code) {
+        case 0x6C: return 0x25CF; // black circle
+        case 0x6E: return 0x25A0; // black square
+        case 0x71: return 0x2751; // shadowed white square
+        case 0x76: return 0x2756; // black diamond minus white X
+        case 0x9F: return 0x2022;
+        case 0xA1: return 0x25CB; // white circle
+        case 0xA7: return 0x25AA; // small black square
+        case 0xA8: return 0x25FB; // white medium square
+        case 0xD8: return 0x27A2; // arrowhead
+        case 0xFC: return 0x2713; // check mark
+        default: return 0;
+        }
+    }
+    switch (code) {
+    case 0xB7: return 0x2022; // bullet
+    case 0xA8: return 0x2666; // diamond
+    default: return 0;
+    }
+}
+
 } // namespace
 
+QString bulletOfLevel(const QString &characters, const QString &fontName)
+{
+    const bool wingdings = fontName.startsWith(QLatin1String("Wingdings"), Qt::CaseInsensitive);
+    const bool symbol = wingdings || fontName.compare(QLatin1String("Symbol"), Qt::CaseInsensitive) == 0;
+    QString bullet;
+    // The first character is the text's length; what follows it (such as the ";" that ends the
+    // group) is not shown.
+    const qsizetype length = characters.isEmpty() ? 0 : std::min<qsizetype>(characters.at(0).unicode(), characters.size() - 1);
+    for (qsizetype i = 1; i <= length; ++i) {
+        char16_t c = characters.at(i).unicode();
+        if (c < 0x20 || c == 0xFFFD)
+            continue; // a number placeholder or an undecodable byte
+        const bool privateUse = c >= 0xF000 && c <= 0xF0FF;
+        if (privateUse || symbol) {
+            const char16_t mapped = fromSymbolFont(privateUse ? c - 0xF000 : c, wingdings || (privateUse && !symbol));
+            if (mapped)
+                c = mapped;
+            else if (privateUse)
+                c = 0x2022;
+        }
+        bullet += QChar(c);
+    }
+    bullet = bullet.trimmed();
+    return bullet.isEmpty() || bullet == QLatin1String("?") ? QStringLiteral("\u2022") : bullet;
+}
+
 int ListTableBuilder::overrideOf(const QTextList *list, Numbering numbering, int start, NumberingStyle style, int level,
-                                 bool followsList)
+                                 bool followsList, const QString &bullet)
 {
     const auto found = m_index.constFind(list);
     if (found != m_index.constEnd()) {
@@ -45,12 +96,12 @@ int ListTableBuilder::overrideOf(const QTextList *list, Numbering numbering, int
         m_entries.emplace_back();
         m_last = int(m_entries.size()) - 1;
     }
-    m_entries[size_t(m_last)].levels[level] = Level{true, numbering, start, style};
+    m_entries[size_t(m_last)].levels[level] = Level{true, numbering, start, style, bullet};
     m_index.insert(list, m_last);
     return m_last + 1;
 }
 
-QByteArray ListTableBuilder::levelText(Numbering numbering, NumberingStyle style, int level)
+QByteArray ListTableBuilder::levelText(Numbering numbering, NumberingStyle style, int level, const QString &bullet)
 {
     // A length byte, then the text with the level's number as the byte of its level.
     QByteArray text;
@@ -62,7 +113,9 @@ QByteArray ListTableBuilder::levelText(Numbering numbering, NumberingStyle style
     if (style == NumberingStyle::NoNumber)
         return hexByte(0);
     if (numbering == Numbering::Bullet) {
-        text = "\\u8226 ?";
+        const char16_t shown = bullet.isEmpty() ? char16_t(0x2022) : bullet.at(0).unicode();
+        const bool plain = shown >= 0x20 && shown < 0x7F && shown != '\\' && shown != '{' && shown != '}';
+        text = plain ? QByteArray(1, char(shown)) : "\\u" + QByteArray::number(int(qint16(shown))) + " ?";
         length = 1;
         if (style == NumberingStyle::RightParen || style == NumberingStyle::Parens) {
             text += ')';
@@ -101,7 +154,7 @@ QByteArray ListTableBuilder::tables() const
             const Numbering numbering = own.numbering;
             const NumberingStyle style = own.style;
             const QByteArray nfc = QByteArray::number(nfcOf(numbering, style));
-            const QByteArray text = levelText(numbering, style, level);
+            const QByteArray text = levelText(numbering, style, level, own.bullet);
             const bool hasNumber = numbering != Numbering::Bullet && style != NumberingStyle::NoNumber;
             out += "{\\listlevel\\levelnfc" + nfc + "\\levelnfcn" + nfc + "\\leveljc0\\levelfollow0\\levelstartat"
                    + QByteArray::number(own.start) + "{\\leveltext" + text + ";}{\\levelnumbers"

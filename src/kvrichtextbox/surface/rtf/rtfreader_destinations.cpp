@@ -1,9 +1,11 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
 
 #include <QCryptographicHash>
+#include <QSet>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QUrl>
@@ -71,10 +73,35 @@ std::optional<QString> hyperlinkAddress(const QString &instruction)
     return address;
 }
 
+// Fields whose result is a short run of text (a page number, a date, a document property, a
+// reference) keep their instruction with that text; fields whose result is built of
+// paragraphs or other fields (a table of contents, an index) are shown by their result alone.
+bool keepsInstruction(const QString &instruction)
+{
+    static const QSet<QString> kinds{
+        QStringLiteral("PAGE"), QStringLiteral("NUMPAGES"), QStringLiteral("SECTIONPAGES"), QStringLiteral("SECTION"),
+        QStringLiteral("DATE"), QStringLiteral("TIME"), QStringLiteral("CREATEDATE"), QStringLiteral("SAVEDATE"),
+        QStringLiteral("PRINTDATE"), QStringLiteral("EDITTIME"), QStringLiteral("AUTHOR"), QStringLiteral("LASTSAVEDBY"),
+        QStringLiteral("TITLE"), QStringLiteral("SUBJECT"), QStringLiteral("KEYWORDS"), QStringLiteral("COMMENTS"),
+        QStringLiteral("FILENAME"), QStringLiteral("FILESIZE"), QStringLiteral("NUMWORDS"), QStringLiteral("NUMCHARS"),
+        QStringLiteral("REVNUM"), QStringLiteral("TEMPLATE"), QStringLiteral("USERNAME"), QStringLiteral("USERINITIALS"),
+        QStringLiteral("DOCPROPERTY"), QStringLiteral("DOCVARIABLE"), QStringLiteral("INFO"), QStringLiteral("REF"),
+        QStringLiteral("PAGEREF"), QStringLiteral("NOTEREF"), QStringLiteral("STYLEREF"), QStringLiteral("SEQ"),
+        QStringLiteral("MERGEFIELD"), QStringLiteral("QUOTE"), QStringLiteral("LISTNUM"),
+    };
+    const QString kind = instruction.trimmed().section(QLatin1Char(' '), 0, 0).toUpper();
+    return kinds.contains(kind);
+}
+
 } // namespace
 
 void Reader::finishDestination(const GroupState &closing)
 {
+    if (closing.opensObject && !m_objectShown && closing.start && top().dest == Dest::Text) {
+        // An object that shows nothing is kept with its paragraph (rtfkept.h).
+        (!m_bodyStarted && m_parCount == 0 && !m_inNote ? m_keptDocument : m_keptParagraph)
+            .append(closing.start, qsizetype(m_p - closing.start));
+    }
     if (closing.opensField && !m_fieldOfGroup.empty()) {
         const FieldEntry field = m_fields[size_t(m_fieldOfGroup.back())];
         m_fieldOfGroup.pop_back();
@@ -124,6 +151,10 @@ void Reader::finishDestination(const GroupState &closing)
         m_picture = PictureBuild();
         break;
     case Dest::Pn:
+        // A middle dot is the Symbol font's bullet, the font old writers give it in.
+        m_pnBullet = m_pnBuild.numbering == int(Numbering::Bullet) ? QString(m_pnBefore).remove(QLatin1Char('(')).trimmed() : QString();
+        if (m_pnBullet == QStringLiteral("\u00b7"))
+            m_pnBullet = QStringLiteral("\u2022");
         top().para.pn = m_pnBuild;
         top().para.bulletIndent = m_pnBuild.indent;
         if (m_pnBuild.numbering != int(Numbering::Bullet) && m_pnBuild.style != int(NumberingStyle::NoNumber)) {
@@ -162,6 +193,7 @@ void Reader::finishDestination(const GroupState &closing)
         m_destText.clear();
         break;
     case Dest::ListLevel:
+        m_levelBuild.bullet = rtf::bulletOfLevel(m_levelBuild.characters, m_fonts.value(closing.ch.font).name);
         if (!m_lists.empty())
             m_lists.back().levels.push_back(m_levelBuild);
         m_levelBuild = ListLevelDef();
@@ -171,6 +203,11 @@ void Reader::finishDestination(const GroupState &closing)
             m_overrideToList.insert(m_overrideLs, m_overrideListId);
         m_overrideLs = 0;
         m_overrideListId = 0;
+        break;
+    case Dest::StyleSheet:
+    case Dest::Style:
+    case Dest::Bookmark:
+        finishFormatDestination(closing);
         break;
     default:
         break;
@@ -212,6 +249,7 @@ void Reader::addToDestination(const QString &s)
     case Dest::AtnId:
     case Dest::AtnAuthor:
     case Dest::ShapeName:
+    case Dest::Bookmark:
         m_destText += s;
         break;
     default:
@@ -289,6 +327,8 @@ void Reader::handleDestinationWord(Word word)
         // The result of another kind of field keeps the enclosing link, if any.
         if (link >= 0)
             state.ch.link = link;
+        else if (!m_fieldOfGroup.empty() && keepsInstruction(m_fields[size_t(m_fieldOfGroup.back())].instruction))
+            state.ch.field = m_fieldOfGroup.back();
         break;
     }
     case Word::Pict:
@@ -299,15 +339,26 @@ void Reader::handleDestinationWord(Word word)
         // Some writers close it only after the nested row's text, which is document text.
         state.nestedTableProps = true;
         [[fallthrough]];
+    case Word::Result:
+        if (m_stack.size() >= 2 && m_stack[m_stack.size() - 2].opensObject && state.start && state.dest == Dest::Ignore) {
+            // What the object shows carries the rest of the object's group with it.
+            const GroupState &object = m_stack[m_stack.size() - 2];
+            flushText();
+            m_objects.push_back(QByteArray(object.start, qsizetype(state.start - object.start)));
+            state.ch.object = int(m_objects.size()) - 1;
+            m_objectShown = true;
+        }
+        [[fallthrough]];
     case Word::ShpPict:
     case Word::Ud:
-    case Word::Result:
         if (state.dest == Dest::Ignore || state.dest == Dest::Upr)
             state.dest = Dest::Text;
         break;
     case Word::Object:
         flushRun();
         state.dest = Dest::Ignore;
+        state.opensObject = true;
+        m_objectShown = false;
         break;
     case Word::PnDest:
         open(Dest::Pn);
@@ -360,6 +411,11 @@ void Reader::handleDestinationWord(Word word)
         break;
     case Word::SkipDest:
         skipAndKeep(state);
+        break;
+    case Word::StyleSheet:
+    case Word::BkmkStart:
+    case Word::BkmkEnd:
+        openFormatDestination(word);
         break;
     case Word::ShpRslt:
     case Word::NonShpPict:

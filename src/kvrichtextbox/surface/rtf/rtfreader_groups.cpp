@@ -20,10 +20,20 @@ void Reader::openGroup()
     next.destRoot = false;
     next.star = false;
     next.opensField = false;
+    next.opensObject = false;
     next.keep = false;
     next.start = m_p - 1;
     if (next.dest == Dest::Upr)
         next.dest = Dest::Ignore;
+    if (next.dest == Dest::StyleSheet) {
+        // A style's definition: its formats start from the defaults.
+        next.dest = Dest::Style;
+        next.destRoot = true;
+        next.ch = CharState();
+        next.para = ParaState();
+        m_styleNumber = 0;
+        m_styleIsCharacter = false;
+    }
     m_stack.push_back(std::move(next));
 }
 
@@ -54,7 +64,8 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
                                       || word == Word::KvLink || word == Word::NestTableProps
                                       || word == Word::Footnote || word == Word::Annotation
                                       || word == Word::AtnId || word == Word::AtnAuthor
-                                      || word == Word::ShpInst || word == Word::ShpTxt;
+                                      || word == Word::ShpInst || word == Word::ShpTxt
+                                      || word == Word::BkmkStart || word == Word::BkmkEnd || word == Word::Cs;
         if (!knownDestination) {
             skipAndKeep(state);
             return;
@@ -82,6 +93,16 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     // Words that change which code page decodes the next bytes end the bytes gathered so far.
     if (!m_bytes.isEmpty())
         flushBytes();
+    // Border details (\brdrw, \brdrcf, a style word) describe the border named last: a cell's or
+    // row's (\clbrdrt, \trbrdrl ...) or the paragraph's (\brdrt, \box ...).
+    if (word >= Word::ClBrdrT && word <= Word::ClDiagonal)
+        state.para.borderSide = -1;
+    const bool borderDetail = word == Word::BrdrW || word == Word::BrdrCf || word == Word::BrdrStyle;
+    if ((word >= Word::TrowD && word <= Word::ClVmrg) || (word >= Word::Itap && word <= Word::ClDiagonal)
+        || (borderDetail && state.para.borderSide == -1)) {
+        tableWord(word, name, hasParam, param);
+        return;
+    }
     const int value = hasParam ? param : 1;
     CharState &ch = state.ch;
     ParaState &para = state.para;
@@ -102,6 +123,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         const char16_t unit = char16_t(param < 0 ? param + 65536 : param);
         if (dest == Dest::LevelText) {
             m_levelBuild.text += '?';
+            m_levelBuild.characters += QChar(unit);
         } else {
             addChar(unit);
         }
@@ -189,25 +211,6 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         para = ParaState();
         m_bodyStarted = m_bodyStarted || dest == Dest::Text;
         break;
-    case Word::TrowD:
-        if (!state.nestedTableProps) {
-            m_rowCellCount = 0;
-            m_rowDef = RowDef();
-        }
-        break;
-    case Word::CellX:
-        if (!state.nestedTableProps) {
-            ++m_rowCellCount;
-            if (m_rowDef.cells.size() < 4096)
-                m_rowDef.cells.push_back(CellDef{param, m_rowDef.pendingMerge});
-            m_rowDef.pendingMerge = 0;
-        }
-        break;
-    case Word::TrLeft: if (!state.nestedTableProps) m_rowDef.left = param; break;
-    case Word::ClMgf: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeFirst; break;
-    case Word::ClMrg: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeContinue; break;
-    case Word::ClVmgf: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeDownFirst; break;
-    case Word::ClVmrg: if (!state.nestedTableProps) m_rowDef.pendingMerge |= MergeDownContinue; break;
     case Word::Ql: para.align = int(ParaAlignment::Left); break;
     case Word::Qc: para.align = int(ParaAlignment::Center); break;
     case Word::Qr: para.align = int(ParaAlignment::Right); break;
@@ -223,9 +226,12 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::KvBulletIndent: para.bulletIndent = param; break;
     case Word::Tx:
         if (para.tabs.size() < 64 && param >= 0) {
-            para.tabs.append(param);
-            std::sort(para.tabs.begin(), para.tabs.end());
+            // In order of position, each with the kind and leader words given before it.
+            const qsizetype at = std::upper_bound(para.tabs.begin(), para.tabs.end(), param) - para.tabs.begin();
+            para.tabs.insert(at, param);
+            para.tabKinds.insert(at, para.nextTabKind);
         }
+        para.nextTabKind = 0;
         break;
     case Word::Intbl: para.intbl = true; break;
     case Word::Ls:
@@ -269,6 +275,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::Column:
         if (dest == Dest::Text)
             pageBreak(word != Word::Column);
+        m_pastFirstSection = m_pastFirstSection || word == Word::Sect;
         break;
     case Word::SbkNone:
         // A section that continues on the same page (or column): its \sect broke no page.
@@ -278,8 +285,12 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::PageBb: para.pageBreakBefore = value != 0; break;
     case Word::NestCell:
     case Word::NestRow:
-        if (dest == Dest::Text && m_table)
+        if (dest == Dest::Text && m_inNote)
             endParagraph(true);
+        else if (dest == Dest::Text && word == Word::NestCell)
+            endCell(true);
+        else if (dest == Dest::Text)
+            endRow(true);
         break;
     case Word::Line: if (dest == Dest::Text) addChar(QChar::LineSeparator); break;
     case Word::Tab: addChar('\t'); break;
@@ -289,9 +300,9 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
         if (dest == Dest::Text && m_inNote)
             endParagraph(true);
         else if (dest == Dest::Text && word == Word::Cell)
-            endCell();
+            endCell(false);
         else if (dest == Dest::Text)
-            endRow();
+            endRow(false);
         break;
     case Word::ChFtn:
     case Word::ChAtn:
@@ -348,6 +359,7 @@ void Reader::controlWord(Word word, std::string_view name, bool hasParam, int pa
     case Word::PicScaleX: if (dest == Dest::Pict) m_picture.scaleX = param; break;
     case Word::PicScaleY: if (dest == Dest::Pict) m_picture.scaleY = param; break;
     default:
+        formatWord(word, name, hasParam, param);
         break;
     }
 }

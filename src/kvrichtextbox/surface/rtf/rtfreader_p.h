@@ -10,12 +10,15 @@
 
 #include "surface/formatmapping.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfformats.h"
 
 #include <QByteArray>
 #include <QHash>
 #include <QPointer>
 #include <QList>
 #include <QString>
+#include <QStringList>
+#include <QTextBlockFormat>
 #include <QTextCharFormat>
 
 #include <cstring>
@@ -34,6 +37,8 @@ namespace kvrtb::rtf::detail {
 // bound.
 constexpr int kMaxDepth = 10000;
 constexpr int kMaxUnicodeSkip = 16;
+// Tables nested deeper than this are read as part of the deepest one allowed.
+constexpr int kMaxTableDepth = 32;
 
 enum class Dest : quint8 {
     Text,         // document text
@@ -56,6 +61,9 @@ enum class Dest : quint8 {
     AtnAuthor,    // an annotation's author name
     ShapeName,    // the name of a shape property (\sn)
     Ignore,       // text ignored, control words still read (\field, \object shells)
+    StyleSheet,   // the stylesheet: each group in it defines a style
+    Style,        // one style's definition: its formats are read as a group's state
+    Bookmark,     // the name of a bookmark's start or end
 };
 
 enum class Word : quint16 {
@@ -64,7 +72,7 @@ enum class Word : quint16 {
     Rtf, FontTbl, ColorTbl, Field, FldInst, FldRslt, Pict, ShpPict, NonShpPict, Object, Result,
     PnText, ListText, PnDest, PnTxtA, PnTxtB, ListTable, ListDest, ListLevel, LevelText,
     ListOverrideTable, ListOverride, Upr, Ud, NestTableProps, Footnote, Annotation, AtnId, AtnAuthor,
-    ShpInst, ShpTxt, ShpRslt, Sp, Sn, Sv, SkipDest,
+    ShpInst, ShpTxt, ShpRslt, Sp, Sn, Sv, StyleSheet, BkmkStart, BkmkEnd, SkipDest,
     // document
     Ansi, Mac, Pc, Pca, AnsiCpg, Deff, Uc, U, Bin,
     // font table
@@ -75,9 +83,21 @@ enum class Word : quint16 {
     Plain, B, I, Ul, UlD, UlDash, UlDashD, UlDashDD, UlWave, UlNone, Strike, StrikeD, Cf, Cb,
     Highlight, ChCbPat, Fs, Super, Sub, NoSuperSub, Up, Dn, Protect, Lang, V, KvOffset,
     Ab, Ai, Af, Afs, RtlCh, LtrCh, HiCh, DbCh, LoCh, RtlPar, LtrPar,
+    Caps, Scaps, Outl, Shad, Expnd, ExpndTw, S, Cs,
+    // tab kinds and leaders, paragraph borders and shading
+    Tqr, Tqc, Tqdec, TlDot, TlMdot, TlHyph, TlUl, TlTh, TlEq, BrdrT, BrdrB, BrdrL, BrdrR, Box, BrdrBtw,
+    BrdrOther, BrdrStyle, BrdrW, BrdrCf, BrSp, Shading, CfPat, CbPat,
+    // page setup
+    PaperW, PaperH, MargL, MargR, MargT, MargB, Landscape, PgWSxn, PgHSxn, MargLSxn, MargRSxn,
+    MargTSxn, MargBSxn, LndscpSxn,
     // paragraphs
     Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
+    // table rows and cells: borders, shading, padding, alignment, nesting
+    Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
+    ClPadL, ClPadT, ClPadB, ClPadR, ClPadFL, ClPadFT, ClPadFB, ClPadFR, ClVertAlT, ClVertAlC, ClVertAlB,
+    ClCbPat, ClCfPat, ClShdng, ClBrdrT, ClBrdrL, ClBrdrB, ClBrdrR, TrBrdrT, TrBrdrL, TrBrdrB, TrBrdrR,
+    TrBrdrH, TrBrdrV, ClDiagonal,
     // legacy numbering
     PnLvlBlt, PnLvlBody, PnLvlCont, PnLvl, PnDec, PnUcLtr, PnLcLtr, PnUcRm, PnLcRm, PnStart,
     PnIndent,
@@ -107,6 +127,7 @@ struct CharState {
     qint32 offset = 0;     // twips
     qint32 lang = 0;
     qint32 link = -1;      // index of the hyperlink field the text belongs to
+    qint32 object = -1;    // index of the embedded object whose result the text is
     qint32 noteId = 0;     // the note this reference or note mark belongs to
     qint32 noteMark = 0;   // an automatically numbered note reference or mark
     // Properties of right-to-left and complex-script text (\ab, \ai, \af, \afs), -1 or 0
@@ -116,6 +137,12 @@ struct CharState {
     qint32 aFont = -1;
     qint32 aHalfPoints = 0;
     qint32 afForRanges = 0; // \af follows \hich, \dbch or \loch: a font of a character range
+    qint32 caps = 0;
+    qint32 smallCaps = 0;
+    qint32 outline = 0;
+    qint32 shadow = 0;
+    qint32 expand = 0;     // letter spacing, twips
+    qint32 field = -1;     // index of the field (other than a link) whose result the text is
 
     bool operator==(const CharState &o) const { return std::memcmp(this, &o, sizeof(CharState)) == 0; }
     bool operator!=(const CharState &o) const { return !(*this == o); }
@@ -138,6 +165,14 @@ struct PnState {
     }
 };
 
+// One side of a paragraph's border as read: style is an index of borderStyleWords() (-1 none).
+struct BorderState {
+    qint32 style = -1;
+    qint32 width = 0;
+    qint32 colour = 0; // colour table index, 0 = automatic
+    qint32 space = 0;
+};
+
 struct ParaState {
     qint32 align = 0; // ParaAlignment
     qint32 li = 0;
@@ -150,12 +185,20 @@ struct ParaState {
     qint32 ruleOverride = -1;
     qint32 bulletIndent = 0;
     bool intbl = false;
+    qint32 itap = -1;             // \itap: the table nesting depth, -1 when not given
     bool pageBreakBefore = false; // \pagebb
     bool rtl = false;             // \rtlpar
     qint32 ls = 0;
     qint32 ilvl = 0;
     PnState pn;
     QList<int> tabs;
+    QList<int> tabKinds;   // per tab stop: QTextOption::TabType | TabLeader << 8
+    qint32 nextTabKind = 0; // the kind and leader words given before the next \tx
+    BorderState borders[5]; // BorderSide order
+    qint32 borderSide = -1; // the side the border words describe: BorderSide, 5 = all four, -1 none
+    qint32 shading = 0;     // hundredths of a percent
+    qint32 patternColour = -1;
+    qint32 fillColour = -1;
 };
 
 struct GroupState {
@@ -166,10 +209,17 @@ struct GroupState {
     bool destRoot = false; // this group opened its destination
     bool star = false;     // "\*" seen at the group's start
     bool opensField = false; // this group is a \field
+    bool opensObject = false; // this group is an \object
     bool nestedTableProps = false; // inside \nesttableprops: row definitions of a nested table
     int codePage = 1252;   // code page of the current font
     bool keep = false;     // a skipped group kept to be written back (rtfkept.h)
     const char *start = nullptr; // the group's "{"
+};
+
+// A style of the stylesheet: the formats it gives.
+struct StyleDef {
+    CharState ch;
+    ParaState para;
 };
 
 struct FontEntry {
@@ -192,6 +242,8 @@ struct ListLevelDef {
     int nfc = 0;
     int start = 1;
     QByteArray text;
+    QString characters; // the level text as characters (\u and \'hh decoded), for its bullet
+    QString bullet;     // what a bulleted level shows, from its characters and font
 };
 
 struct ListDef {
@@ -208,15 +260,48 @@ enum CellMerge : quint8 {
     MergeDownContinue = 8,  // \clvmrg: covered by the cell above
 };
 
+// A border of a cell or row: its width in twips and its style (a QTextFrameFormat::BorderStyle;
+// BorderStyle_None for none), with the colour table index of its colour (0 = automatic).
+struct CellBorder {
+    qint16 width = 0;
+    qint8 style = -1; // -1: not given
+    qint32 colour = 0;
+};
+
+enum CellSide : quint8 { SideTop, SideLeft, SideBottom, SideRight, SideInsideH, SideInsideV };
+
 struct CellDef {
     int right = 0;
     quint8 merge = 0;
+    quint8 vAlign = 0;     // 0 top, 1 centre, 2 bottom
+    qint32 background = 0; // \clcbpat colour index, 0 = none
+    qint32 pattern = 0;    // \clcfpat colour index of the shading's foreground
+    qint32 shading = -1;   // \clshdng in hundredths of a percent, -1 = none
+    qint16 padding[4] = {-1, -1, -1, -1}; // twips by CellSide, -1 = not given
+    CellBorder borders[4];
 };
 
 struct RowDef {
     int left = 0;
+    bool leftGiven = false;
+    int gap = -1;          // \trgaph: half the space between cells, twips
+    quint8 align = 0;      // 0 left, 1 centre, 2 right
+    qint16 padding[4] = {-1, -1, -1, -1};
+    CellBorder borders[6];  // by CellSide
     std::vector<CellDef> cells;
-    quint8 pendingMerge = 0; // merge words seen before the cell's \cellx
+    CellDef pending;       // properties seen before the cell's \cellx
+    qint8 borderTarget = -1; // the border the \brdr words describe: 0..3 the pending cell's, 4..9 the row's
+};
+
+// A table being read: the QTextTable, where the next cell goes, and the definition of each row.
+struct TableBuild {
+    QTextTable *table = nullptr;
+    int row = 0;
+    int column = 0;
+    bool rowEnded = false;
+    bool cellMovePending = false;
+    std::vector<RowDef> rowDefs;   // the definition of each row, set when the row ends
+    std::vector<int> rowCells;     // the number of cells each row was given
 };
 
 // A footnote, endnote or annotation met in a paragraph: its RTF is read when the paragraph ends,
@@ -304,12 +389,34 @@ private:
     void beginNote(int kind);
     void insertPendingNotes();
 
-    // tables (rtfreader_tables.cpp)
+    // formats, styles, bookmarks and page setup (rtfreader_formats.cpp)
+    void formatWord(Word word, std::string_view name, bool hasParam, int param);
+    void openFormatDestination(Word word);
+    void finishFormatDestination(const GroupState &closing);
+    void addFormatProperties(QTextCharFormat &qt, const CharState &state) const;
+    void applyParagraphFormats(QTextBlockFormat &qt, const ParaState &para) const;
+    void applyStyle(const StyleDef &style, bool paragraph);
+    void keepGroupBytes(const GroupState &closing);
+    void attachToPreviousCharacter(int property, const QString &name);
+    // Bookmark starts not yet placed at the run's first character, at the end of the paragraph.
+    void placeParagraphEndBookmarks();
+    void storePageSetup();
+    Colour colourAt(int index) const;
+
+    // tables (rtfreader_tables.cpp, rtfreader_tablelayout.cpp)
+    // The table depth of the paragraph being read (\intbl, \itap).
+    int paragraphTableDepth() const;
     void ensureTableState();
-    void endCell();
-    void endRow();
+    void enterTableDepth(int depth);
+    void startTable();
+    void endCell(bool nested);
+    void endRow(bool nested);
     void leaveTable();
-    void applyTableLayout(QTextTable *table);
+    void tableWord(Word word, std::string_view name, bool hasParam, int param);
+    CellBorder *borderTarget(RowDef &def);
+    // Builds the table's grid from its rows' cell boundaries and gives it its widths, spans,
+    // borders, shading, padding and alignment.
+    void applyTableLayout(TableBuild &build);
 
     GroupState &top() { return m_stack.back(); }
     const GroupState &top() const { return m_stack.back(); }
@@ -334,10 +441,13 @@ private:
     int m_red = -1, m_green = -1, m_blue = -1;
 
     std::vector<FieldEntry> m_fields;
+    std::vector<QByteArray> m_objects; // embedded objects' groups up to their results (rtfkept.h)
+    bool m_objectShown = false;        // the \object being read has a result
     std::vector<int> m_fieldOfGroup; // field index of each open \field group (stack)
 
     PnState m_pnBuild;
     QString m_pnBefore, m_pnAfter;
+    QString m_pnBullet; // the bullet of the last bulleted paragraph numbering read (\pntxtb)
 
     std::vector<ListDef> m_lists;
     ListLevelDef m_levelBuild;
@@ -376,6 +486,21 @@ private:
     QString m_shapeProperty; // the name of the shape property being read
     bool m_shapePicture = false; // the shape being read is a picture frame
 
+    // stylesheet
+    QHash<int, StyleDef> m_paragraphStyles;
+    QHash<int, StyleDef> m_characterStyles;
+    int m_styleNumber = 0;
+    bool m_styleIsCharacter = false;
+    // bookmarks: starts waiting for the character they come before, with their groups' bytes
+    QStringList m_pendingBookmarks;
+    QList<QByteArray> m_pendingBookmarkBytes; // each start's group, for the paragraph's kept groups
+    bool m_bookmarkIsEnd = false;       // the bookmark group being read is an end
+    QStringList m_runBookmarks; // starts placed at the first character of the pending run
+    // page setup as read from the document (PageSetupField order) and from its first section
+    int m_pageSetup[PageSetupFields] = {};
+    int m_sectionPageSetup[PageSetupFields] = {};
+    bool m_pastFirstSection = false;
+
     // groups kept to be written back (rtfkept.h)
     QByteArray m_keptDocument;
     QByteArray m_keptParagraph;
@@ -395,15 +520,10 @@ private:
     QPointer<QTextList> m_lastPnList;
     PnState m_lastPn;
 
-    // tables
-    QTextTable *m_table = nullptr;
-    int m_tableRow = 0;
-    int m_tableColumn = 0;
-    bool m_rowEnded = false;
-    bool m_cellMovePending = false;
-    int m_rowCellCount = 0;
-    RowDef m_rowDef;                  // the row definition in effect
-    std::vector<RowDef> m_tableRowDefs; // the definition of each row of the table being read
+    // tables: the open tables, outermost first
+    std::vector<TableBuild> m_tables;
+    RowDef m_rowDef;     // the row definition in effect for the outermost table
+    RowDef m_nestedDef;  // the one last read in \nesttableprops, for nested tables
 };
 
 } // namespace kvrtb::rtf::detail

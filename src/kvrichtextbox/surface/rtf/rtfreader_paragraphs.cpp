@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/listmarkers.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtfnotes.h"
 
@@ -52,6 +53,17 @@ NumberingStyle styleOfLevelText(const QByteArray &text)
     return NumberingStyle::Plain;
 }
 
+// Shows \a bullet for the list, and gives other readers of the list format the Qt bullet that
+// looks most like it.
+void setBullet(QTextListFormat &list, const QString &bullet)
+{
+    list.setProperty(listmarkers::BulletTextProperty, bullet);
+    if (bullet == QLatin1String("o") || bullet == QStringLiteral("\u25cb") || bullet == QStringLiteral("\u25e6"))
+        list.setStyle(QTextListFormat::ListCircle);
+    else if (bullet == QStringLiteral("\u25aa") || bullet == QStringLiteral("\u25a0"))
+        list.setStyle(QTextListFormat::ListSquare);
+}
+
 } // namespace
 
 void Reader::applyParagraph(const ParaState &para)
@@ -99,13 +111,24 @@ void Reader::applyParagraph(const ParaState &para)
         }
     }
     format::applyParaFields(qt, fields);
+    applyParagraphFormats(qt, para);
     if (para.rtl)
         qt.setLayoutDirection(Qt::RightToLeft);
-    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && !m_table)
+    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty())
         qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
     if (!m_keptParagraph.isEmpty()) {
         qt.setProperty(KeptParagraphGroups, m_keptParagraph);
         m_keptParagraph.clear();
+    }
+    // List paragraphs show the markers the surface draws; those that give their own indent
+    // show their text there, the marker hanging in the first line's indent (their lists add
+    // no indent of their own).
+    const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
+    const bool ownIndents = listParagraph && para.li > 0;
+    if (listParagraph) {
+        listmarkers::setDrawnBySurface(qt);
+        if (ownIndents && para.fi < 0)
+            qt.setTextIndent(0);
     }
     if (m_inNote) {
         qt.setProperty(NoteKindProperty, m_noteKind);
@@ -119,7 +142,7 @@ void Reader::applyParagraph(const ParaState &para)
     QTextBlock block = m_cursor.block();
     if (QTextList *current = block.textList())
         current->remove(block);
-    if (para.ls > 0 && !m_table) {
+    if (para.ls > 0) {
         const int level = std::clamp(para.ilvl, 0, 8);
         const int key = para.ls * 16 + level;
         QTextList *list = m_lsLists.value(key).data();
@@ -129,11 +152,15 @@ void Reader::applyParagraph(const ParaState &para)
             Numbering numbering = Numbering::Bullet;
             int start = 1;
             NumberingStyle style = NumberingStyle::Period;
+            QString bullet;
             const int listId = m_overrideToList.value(para.ls, -1);
             for (const ListDef &def : m_lists) {
-                if (def.id != listId || def.levels.empty() || para.pn.numbering != 0)
+                if (def.id != listId || def.levels.empty())
                     continue;
                 const ListLevelDef &lvl = def.levels[size_t(std::min<int>(level, int(def.levels.size()) - 1))];
+                bullet = lvl.bullet;
+                if (para.pn.numbering != 0)
+                    break;
                 numbering = numberingOfNfc(lvl.nfc);
                 start = lvl.start;
                 style = numbering == Numbering::Bullet ? NumberingStyle::Period : styleOfLevelText(lvl.text);
@@ -144,14 +171,20 @@ void Reader::applyParagraph(const ParaState &para)
                 numbering = Numbering(para.pn.numbering);
                 start = para.pn.start;
                 style = NumberingStyle(para.pn.style);
+                if (!m_pnBullet.isEmpty())
+                    bullet = m_pnBullet;
             }
             QTextListFormat listFormat = format::listFormatFor(numbering, start, style);
             listFormat.setIndent(level + 1);
+            if (ownIndents)
+                listmarkers::setOwnIndents(listFormat, level);
+            if (numbering == Numbering::Bullet && !bullet.isEmpty())
+                setBullet(listFormat, bullet);
             list = m_cursor.createList(listFormat);
             m_lsLists.insert(key, list);
         }
         m_lastPnList = nullptr;
-    } else if (para.pn.numbering != 0 && !m_table) {
+    } else if (para.pn.numbering != 0) {
         if (m_lastPnList && m_lastPn == para.pn && block.previous().isValid()
             && block.previous().textList() == m_lastPnList) {
             m_lastPnList->add(block);
@@ -160,6 +193,10 @@ void Reader::applyParagraph(const ParaState &para)
                                                                NumberingStyle(para.pn.style));
             if (para.pn.level > 1)
                 listFormat.setIndent(para.pn.level);
+            if (ownIndents)
+                listmarkers::setOwnIndents(listFormat, para.pn.level - 1);
+            if (para.pn.numbering == int(Numbering::Bullet) && !m_pnBullet.isEmpty())
+                setBullet(listFormat, m_pnBullet);
             m_lastPnList = m_cursor.createList(listFormat);
             m_lastPn = para.pn;
         }
@@ -172,7 +209,7 @@ void Reader::applyParagraph(const ParaState &para)
 // page or section break makes the next paragraph start a new page.
 void Reader::pageBreak(bool page)
 {
-    if (m_inNote || m_table || top().para.intbl) {
+    if (m_inNote || !m_tables.empty() || paragraphTableDepth() > 0) {
         endParagraph(true);
         return;
     }
@@ -185,6 +222,7 @@ void Reader::pageBreak(bool page)
 void Reader::endParagraph(bool insertBreak)
 {
     flushText();
+    placeParagraphEndBookmarks();
     ensureTableState();
     applyParagraph(top().para);
     if (!m_inNote)

@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtfnotes.h"
 
 #include <QTextCursor>
@@ -22,6 +23,7 @@ void Reader::addByte(unsigned char byte)
     const Dest dest = top().dest;
     if (dest == Dest::LevelText) {
         m_levelBuild.text += char(byte);
+        m_levelBuild.characters += QChar(char16_t(byte));
         return;
     }
     if (dest == Dest::Pict || dest == Dest::Skip || dest == Dest::Upr || dest == Dest::Ignore
@@ -61,6 +63,7 @@ void Reader::addAscii(const char *s, int n)
     const Dest dest = top().dest;
     if (dest == Dest::LevelText) {
         m_levelBuild.text.append(s, n);
+        m_levelBuild.characters += QLatin1String(s, n);
         return;
     }
     if (dest == Dest::Pict) {
@@ -124,10 +127,13 @@ void Reader::addString(const QString &s)
 // a new format starts a new run, and text of a table row goes into its cell.
 void Reader::beginText(qsizetype length)
 {
-    if (!m_runStateSet || m_runState != top().ch) {
+    if (!m_runStateSet || m_runState != top().ch || !m_pendingBookmarks.isEmpty()) {
         flushRun();
         m_runState = top().ch;
         m_runStateSet = true;
+        m_runBookmarks += m_pendingBookmarks;
+        m_pendingBookmarks.clear();
+        m_pendingBookmarkBytes.clear();
     }
     ensureTableState();
     m_pendingRef = 0;
@@ -171,6 +177,7 @@ QTextCharFormat Reader::formatFor(const CharState &state)
     const FieldEntry *link = state.link >= 0 && size_t(state.link) < m_fields.size() ? &m_fields[size_t(state.link)] : nullptr;
     if (link)
         change.linkAddress = link->address;
+    const bool object = state.object >= 0 && size_t(state.object) < m_objects.size();
     const bool linkEffect = link && !(link->flags & 1);
     QTextCharFormat qt = format::charDelta(change);
     if (link && link->address.isEmpty()) {
@@ -180,6 +187,8 @@ QTextCharFormat Reader::formatFor(const CharState &state)
     }
     if (linkEffect)
         qt.setProperty(format::LinkEffect, true);
+    if (object)
+        qt.setProperty(KeptObjectGroup, m_objects[size_t(state.object)]);
     format::setUserUnderline(qt, QTextCharFormat::UnderlineStyle(state.underline));
     if (state.noteId) {
         qt.setProperty(NoteIdProperty, state.noteId);
@@ -189,6 +198,7 @@ QTextCharFormat Reader::formatFor(const CharState &state)
         if (!author.isEmpty())
             qt.setProperty(NoteAuthorProperty, author);
     }
+    addFormatProperties(qt, state);
     if (m_formatCache.size() > 4096)
         m_formatCache.clear();
     m_formatCache.insert(state, qt);
@@ -212,6 +222,16 @@ void Reader::flushRun()
     if (m_run.isEmpty())
         return;
     const CharState &state = m_runState;
+    if (!m_runBookmarks.isEmpty()) {
+        // Bookmarks start at the run's first character: Qt's anchor names.
+        QTextCharFormat first = formatFor(state);
+        first.setAnchorNames(m_runBookmarks);
+        m_cursor.insertText(m_run.left(1), first);
+        m_run.remove(0, 1);
+        m_runBookmarks.clear();
+        if (m_run.isEmpty())
+            return;
+    }
     if (state.aBold < 0 && state.aItalic < 0 && state.aFont < 0 && state.aHalfPoints == 0) {
         m_cursor.insertText(m_run, formatFor(state));
         m_run.clear();

@@ -16,7 +16,8 @@ namespace {
 
 const std::unordered_map<std::string_view, Word> &wordTable()
 {
-    static const std::unordered_map<std::string_view, Word> table = {
+    static const std::unordered_map<std::string_view, Word> table = [] {
+    std::unordered_map<std::string_view, Word> table = {
         {"rtf", Word::Rtf}, {"fonttbl", Word::FontTbl}, {"colortbl", Word::ColorTbl},
         {"field", Word::Field}, {"fldinst", Word::FldInst}, {"fldrslt", Word::FldRslt},
         {"pict", Word::Pict}, {"shppict", Word::ShpPict}, {"nonshppict", Word::NonShpPict},
@@ -27,14 +28,14 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"listoverridetable", Word::ListOverrideTable}, {"listoverride", Word::ListOverride},
         {"upr", Word::Upr}, {"ud", Word::Ud}, {"nesttableprops", Word::NestTableProps},
         // Destinations whose content is not document text.
-        {"stylesheet", Word::SkipDest}, {"info", Word::SkipDest}, {"header", Word::SkipDest},
+        {"stylesheet", Word::StyleSheet}, {"info", Word::SkipDest}, {"header", Word::SkipDest},
         {"headerl", Word::SkipDest}, {"headerr", Word::SkipDest}, {"headerf", Word::SkipDest},
         {"footer", Word::SkipDest}, {"footerl", Word::SkipDest}, {"footerr", Word::SkipDest},
         {"footerf", Word::SkipDest}, {"footnote", Word::Footnote}, {"annotation", Word::Annotation},
         {"revtbl", Word::SkipDest}, {"filetbl", Word::SkipDest}, {"objdata", Word::SkipDest},
         {"xe", Word::SkipDest}, {"tc", Word::SkipDest}, {"txe", Word::SkipDest},
         {"rxe", Word::SkipDest}, {"private", Word::SkipDest}, {"template", Word::SkipDest},
-        {"pgdsctbl", Word::SkipDest}, {"bkmkstart", Word::SkipDest}, {"bkmkend", Word::SkipDest},
+        {"pgdsctbl", Word::SkipDest}, {"bkmkstart", Word::BkmkStart}, {"bkmkend", Word::BkmkEnd},
         {"author", Word::SkipDest}, {"operator", Word::SkipDest}, {"title", Word::SkipDest},
         {"subject", Word::SkipDest}, {"comment", Word::SkipDest}, {"doccomm", Word::SkipDest},
         {"keywords", Word::SkipDest}, {"buptim", Word::SkipDest}, {"creatim", Word::SkipDest},
@@ -78,6 +79,20 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"sl", Word::Sl}, {"slmult", Word::SlMult}, {"tx", Word::Tx}, {"intbl", Word::Intbl},
         {"ls", Word::Ls}, {"ilvl", Word::Ilvl}, {"kvlinerule", Word::KvLineRule},
         {"kvbulletindent", Word::KvBulletIndent},
+        {"itap", Word::Itap}, {"trgaph", Word::TrGaph}, {"trpaddl", Word::TrPaddL}, {"trpaddt", Word::TrPaddT},
+        {"trpaddb", Word::TrPaddB}, {"trpaddr", Word::TrPaddR}, {"trpaddfl", Word::TrPaddFL},
+        {"trpaddft", Word::TrPaddFT}, {"trpaddfb", Word::TrPaddFB}, {"trpaddfr", Word::TrPaddFR},
+        {"trql", Word::TrQl}, {"trqc", Word::TrQc}, {"trqr", Word::TrQr}, {"clpadl", Word::ClPadL},
+        {"clpadt", Word::ClPadT}, {"clpadb", Word::ClPadB}, {"clpadr", Word::ClPadR}, {"clpadfl", Word::ClPadFL},
+        {"clpadft", Word::ClPadFT}, {"clpadfb", Word::ClPadFB}, {"clpadfr", Word::ClPadFR},
+        {"clvertalt", Word::ClVertAlT}, {"clvertalc", Word::ClVertAlC}, {"clvertalb", Word::ClVertAlB},
+        {"clcbpat", Word::ClCbPat}, {"clcfpat", Word::ClCfPat}, {"clshdng", Word::ClShdng},
+        {"clbrdrt", Word::ClBrdrT}, {"clbrdrl", Word::ClBrdrL}, {"clbrdrb", Word::ClBrdrB}, {"clbrdrr", Word::ClBrdrR},
+        {"trbrdrt", Word::TrBrdrT}, {"trbrdrl", Word::TrBrdrL}, {"trbrdrb", Word::TrBrdrB}, {"trbrdrr", Word::TrBrdrR},
+        {"trbrdrh", Word::TrBrdrH}, {"trbrdrv", Word::TrBrdrV}, {"cldgll", Word::ClDiagonal}, {"cldglu", Word::ClDiagonal},
+        // What readers without nested tables read instead of them: dropped like other
+        // stand-ins for constructs the reader knows.
+        {"nonesttables", Word::NonShpPict},
         {"pnlvlblt", Word::PnLvlBlt}, {"pnlvlbody", Word::PnLvlBody}, {"pnlvlcont", Word::PnLvlCont},
         {"pnlvl", Word::PnLvl}, {"pndec", Word::PnDec}, {"pnucltr", Word::PnUcLtr},
         {"pnlcltr", Word::PnLcLtr}, {"pnucrm", Word::PnUcRm}, {"pnlcrm", Word::PnLcRm},
@@ -100,7 +115,32 @@ const std::unordered_map<std::string_view, Word> &wordTable()
         {"picscaley", Word::PicScaleY}, {"wbmbitspixel", Word::PictParam},
         {"wbmplanes", Word::PictParam}, {"wbmwidthbytes", Word::PictParam}, {"picbmp", Word::PictParam},
         {"picbpp", Word::PictParam},
+        // character effects and styles
+        {"caps", Word::Caps}, {"scaps", Word::Scaps}, {"outl", Word::Outl}, {"shad", Word::Shad},
+        {"expnd", Word::Expnd}, {"expndtw", Word::ExpndTw}, {"s", Word::S}, {"cs", Word::Cs},
+        // tab kinds and leaders
+        {"tqr", Word::Tqr}, {"tqc", Word::Tqc}, {"tqdec", Word::Tqdec}, {"tldot", Word::TlDot},
+        {"tlmdot", Word::TlMdot}, {"tlhyph", Word::TlHyph}, {"tlul", Word::TlUl}, {"tlth", Word::TlTh},
+        {"tleq", Word::TlEq},
+        // paragraph borders and shading; the border words of other owners end a paragraph's
+        {"brdrt", Word::BrdrT}, {"brdrb", Word::BrdrB}, {"brdrl", Word::BrdrL}, {"brdrr", Word::BrdrR},
+        {"box", Word::Box}, {"brdrbtw", Word::BrdrBtw}, {"brdrbar", Word::BrdrOther},
+        {"chbrdr", Word::BrdrOther}, {"pgbrdrt", Word::BrdrOther},
+        {"pgbrdrb", Word::BrdrOther}, {"pgbrdrl", Word::BrdrOther}, {"pgbrdrr", Word::BrdrOther},
+        {"brdrw", Word::BrdrW}, {"brdrcf", Word::BrdrCf}, {"brsp", Word::BrSp},
+        {"shading", Word::Shading}, {"cfpat", Word::CfPat}, {"cbpat", Word::CbPat},
+        // page setup
+        {"paperw", Word::PaperW}, {"paperh", Word::PaperH}, {"margl", Word::MargL}, {"margr", Word::MargR},
+        {"margt", Word::MargT}, {"margb", Word::MargB}, {"landscape", Word::Landscape},
+        {"pgwsxn", Word::PgWSxn}, {"pghsxn", Word::PgHSxn}, {"marglsxn", Word::MargLSxn},
+        {"margrsxn", Word::MargRSxn}, {"margtsxn", Word::MargTSxn}, {"margbsxn", Word::MargBSxn},
+        {"lndscpsxn", Word::LndscpSxn},
     };
+    // The border styles: one word each, told apart by their place in borderStyleWords().
+    for (int i = 0; i < borderStyleCount(); ++i)
+        table.emplace(borderStyleWords()[i], Word::BrdrStyle);
+    return table;
+    }();
     return table;
 }
 
@@ -123,8 +163,9 @@ void Reader::run(const QByteArray &bytes)
         if (m_stack.size() == 1)
             m_documentPara = closing.para;
     }
-    if (m_table)
+    while (!m_tables.empty())
         leaveTable();
+    placeParagraphEndBookmarks();
     // The last paragraph keeps its properties; a final \par with nothing after it ends the
     // document's last paragraph rather than starting an empty one.
     if (m_endsDocument && !m_paragraphHasContent && m_lastWasPar && m_parCount > 0) {
@@ -142,6 +183,8 @@ void Reader::run(const QByteArray &bytes)
         applyParagraph(m_started && m_stack.size() == 1 && m_paragraphHasContent ? m_documentPara : top().para);
     }
     insertPendingNotes();
+    if (m_endsDocument)
+        storePageSetup();
     if (m_endsDocument && !m_keptDocument.isEmpty()) {
         QTextFrameFormat root = m_doc.rootFrame()->frameFormat();
         root.setProperty(KeptDocumentGroups, m_keptDocument);
@@ -279,11 +322,8 @@ void Reader::skipGroup()
             if (--depth == 0) {
                 if (m_stack.size() > 1) {
                     const GroupState closing = m_stack.back();
-                    if (closing.keep && closing.start) {
-                        // The document's header, or the paragraph being read.
-                        const bool header = !m_bodyStarted && m_parCount == 0 && !m_inNote;
-                        (header ? m_keptDocument : m_keptParagraph).append(closing.start, qsizetype(m_p - closing.start));
-                    }
+                    if (closing.keep && closing.start)
+                        keepGroupBytes(closing);
                     m_stack.pop_back();
                     finishDestination(closing);
                 }

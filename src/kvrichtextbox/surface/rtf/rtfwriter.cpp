@@ -108,8 +108,27 @@ void Writer::text(char16_t c)
 
 void Writer::writeFragmentText(const QString &value)
 {
-    for (const QChar c : value)
-        text(c.unicode());
+    // Runs of printable ASCII, most of any text, are copied in one piece.
+    const char16_t *c = reinterpret_cast<const char16_t *>(value.constData());
+    const char16_t *const end = c + value.size();
+    while (c < end) {
+        const char16_t *plain = c;
+        while (plain < end && *plain >= 0x20 && *plain < 0x7F && *plain != '\\' && *plain != '{' && *plain != '}')
+            ++plain;
+        if (plain > c) {
+            if (m_needSpace) {
+                m_out += ' ';
+                m_needSpace = false;
+            }
+            const qsizetype at = m_out.size();
+            m_out.resize(at + (plain - c));
+            char *out = m_out.data() + at;
+            while (c < plain)
+                *out++ = char(*c++);
+        }
+        if (c < end)
+            text(*c++);
+    }
 }
 
 void Writer::writeFrame(const QTextFrame *frame)
@@ -129,6 +148,12 @@ void Writer::writeFrame(const QTextFrame *frame)
         const QTextBlock block = it.currentBlock();
         if (!intersects(block.position(), block.position() + block.length()) || isAttachedNote(block))
             continue;
+        if (m_start == 0 && frame == m_doc.rootFrame() && block.position() == 0) {
+            auto next = it;
+            ++next;
+            if (isPlaceholderBeforeTable(block, !next.atEnd() && qobject_cast<QTextTable *>(next.currentFrame())))
+                continue;
+        }
         writeBlock(block, "par");
     }
 }
@@ -159,6 +184,7 @@ QByteArray Writer::run()
     const QByteArray kept = m_doc.rootFrame()->frameFormat().property(KeptDocumentGroups).toByteArray();
     if (!kept.isEmpty() && m_start == 0)
         head += kept + '\n';
+    head += pageSetup();
     return head + body + "}\n";
 }
 

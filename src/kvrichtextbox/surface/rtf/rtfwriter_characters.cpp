@@ -2,7 +2,7 @@
 
 namespace kvrtb::rtf::detail {
 
-void Writer::writeCharProps(const QTextCharFormat &qt)
+RunProps Writer::runPropsOf(const QTextCharFormat &qt)
 {
     const CharFormat f = format::readChar(qt, m_defaults);
     RunProps next;
@@ -21,6 +21,30 @@ void Writer::writeCharProps(const QTextCharFormat &qt)
     next.script = int(*f.script);
     next.offset = *f.charOffset;
     next.lang = *f.locale;
+    next.caps = qt.fontCapitalization() == QFont::AllUppercase || qt.fontCapitalization() == QFont::SmallCaps
+                    ? int(qt.fontCapitalization())
+                    : 0;
+    next.outline = qt.boolProperty(CharOutline);
+    next.shadow = qt.boolProperty(CharShadow);
+    if (qt.hasProperty(QTextFormat::FontLetterSpacing) && qt.fontLetterSpacingType() == QFont::AbsoluteSpacing)
+        next.expand = format::pixelsToTwips(qt.fontLetterSpacing());
+    return next;
+}
+
+void Writer::writeCharProps(const QTextCharFormat &qt, int formatIndex)
+{
+    // Fragments share a handful of formats: each format's properties are worked out once.
+    RunProps next;
+    if (formatIndex < 0) {
+        next = runPropsOf(qt);
+    } else {
+        if (size_t(formatIndex) >= m_runPropsByFormat.size())
+            m_runPropsByFormat.resize(size_t(formatIndex) + 1);
+        std::optional<RunProps> &cached = m_runPropsByFormat[size_t(formatIndex)];
+        if (!cached)
+            cached = runPropsOf(qt);
+        next = *cached;
+    }
 
     RunProps &now = m_props;
     if (next.font != now.font)
@@ -70,6 +94,7 @@ void Writer::writeCharProps(const QTextCharFormat &qt)
     }
     if (next.lang != now.lang)
         word("lang", next.lang);
+    writeCharEffects(next);
     now = next;
 }
 

@@ -25,10 +25,13 @@ void Writer::collectNotes()
     for (QTextBlock block = first; block.isValid() && block.position() < m_end; block = block.next()) {
         if (block.blockFormat().hasProperty(NoteKindProperty))
             continue;
+        int fragmentStart = block.position();
         for (auto it = block.begin(); !it.atEnd(); ++it) {
             const QTextFragment fragment = it.fragment();
+            const int from = fragmentStart;
+            fragmentStart += fragment.length();
             const int id = fragment.charFormat().intProperty(NoteIdProperty);
-            if (id && notes.contains(id) && intersects(fragment.position(), fragment.position() + fragment.length()))
+            if (id && notes.contains(id) && intersects(from, fragmentStart))
                 m_notes.insert(id, notes.take(id));
         }
     }

@@ -4,11 +4,14 @@
 // (characters, paragraphs, tables, notes). Private to surface/rtf.
 
 #include "surface/formatmapping.h"
+#include "surface/listmarkers.h"
 #include "surface/rtf/codepage.h"
+#include "surface/rtf/rtfformats.h"
 #include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
+#include "surface/rtf/rtftables.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -23,6 +26,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 namespace kvrtb::rtf::detail {
@@ -40,6 +44,19 @@ struct RunProps {
     int script = 0;
     int offset = 0;
     int lang = 0;
+    int caps = 0; // QFont::Capitalization: all capitals or small capitals
+    bool outline = false;
+    bool shadow = false;
+    int expand = 0; // letter spacing, twips
+};
+
+// The field and bookmarks a character format carries (rtfformats.h).
+struct FormatMarks {
+    QString fieldInstruction;
+    int fieldId = 0;
+    QStringList startsBefore; // bookmarks that start at the run's first character
+    QStringList startsAfter;  // bookmarks that start after its last
+    QStringList ends;         // bookmarks that end after its last
 };
 
 class Writer {
@@ -55,11 +72,26 @@ public:
 private:
     void writeFrame(const QTextFrame *frame);
     void writeTable(const QTextTable *table);
+    void writeRowDefinition(const QTextTable *table, int row, const std::vector<int> &rights, int left);
+    void writeCellBorders(const QTextTableFormat &tableFormat, const QTextTableCellFormat &cell);
+    void writeCell(const QTextTableCell &cell);
+    // True for the empty paragraph Qt keeps before a table at the start of the document or of a
+    // cell: the user did not write it, and other readers would show it.
+    static bool isPlaceholderBeforeTable(const QTextBlock &block, bool tableFollows);
     bool writeWithinCell(const QTextTable *table);
     void writeBlock(const QTextBlock &block, const char *ending);
     void writeParagraphProperties(const QTextBlock &block);
+    void writeTabsBordersAndShading(const QTextBlockFormat &format, const QList<int> &tabStops);
+    void writeCharEffects(const RunProps &next);
+    void writeBookmarks(const char *kind, const QStringList &names);
+    QByteArray pageSetup() const;
+    /// The marks of \a format, worked out once per \a formatIndex (the document's index of it).
+    const FormatMarks &marksOf(const QTextCharFormat &format, int formatIndex);
     void writeFragmentText(const QString &text);
-    void writeCharProps(const QTextCharFormat &format);
+    /// Writes the differences from the run before; \a formatIndex (the document's index of
+    /// \a format, or -1) lets the properties of a format be worked out once.
+    void writeCharProps(const QTextCharFormat &format, int formatIndex = -1);
+    RunProps runPropsOf(const QTextCharFormat &format);
     void writePicture(const QTextImageFormat &format);
     void collectNotes();
     bool isAttachedNote(const QTextBlock &block) const;
@@ -80,11 +112,15 @@ private:
     QByteArray m_out;
     bool m_needSpace = false;
     bool m_flattenCell = false; // a range inside one table cell is written as plain paragraphs
+    int m_tableDepth = 0;       // the depth of the table whose cells are being written
     RunProps m_props;
+    std::vector<std::optional<RunProps>> m_runPropsByFormat; // by the document's format index
+    std::vector<std::optional<FormatMarks>> m_marksByFormat;
     // The paragraphs of each note whose reference is written, by note id.
     QHash<int, std::vector<QTextBlock>> m_notes;
     QSet<int> m_notesWritten;
     QSet<QByteArray> m_keptWritten; // kept groups already written (rtfkept.h)
+    QByteArray m_objectAtParagraphEnd; // the object whose result the last paragraph ended in
     ListTableBuilder m_listTable;
     bool m_inNote = false;
     QStringList m_fonts;

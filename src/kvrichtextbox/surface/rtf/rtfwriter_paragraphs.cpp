@@ -44,8 +44,7 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         word("kvlinerule", int(LineSpacingRule::AtLeast));
     if (*p.lineSpacingRule == LineSpacingRule::Exactly && amount == 0)
         word("kvlinerule", int(LineSpacingRule::Exactly));
-    for (int tab : *p.tabStops)
-        word("tx", tab);
+    writeTabsBordersAndShading(block.blockFormat(), *p.tabStops);
     if (*p.numbering != Numbering::None) {
         const Numbering numbering = *p.numbering;
         const NumberingStyle style = *p.numberingStyle;
@@ -55,11 +54,12 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         // plain \pn paragraph numbering replace the list).
         // Paragraphs without a number of their own (continuations) are no list items to others.
         const QTextList *list = block.textList();
-        const int level = std::clamp(list->format().indent() - 1, 0, 8);
+        const int level = listmarkers::levelOf(list->format());
         const QTextBlock previous = block.previous();
         const bool followsList = previous.isValid() && previous.textList();
         if (style != NumberingStyle::NoNumber) {
-            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList));
+            word("ls", m_listTable.overrideOf(list, numbering, *p.numberingStart, style, level, followsList,
+                                              list->format().stringProperty(listmarkers::BulletTextProperty)));
             if (level)
                 word("ilvl", level);
         }
@@ -79,8 +79,11 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         case Numbering::UpperRoman: m_out += "\\pnucrm"; break;
         default: break;
         }
-        if (numbering == Numbering::Bullet)
-            m_out += "{\\pntxtb\\'95}";
+        if (numbering == Numbering::Bullet) {
+            m_out += "{\\pntxtb ";
+            escaped(listmarkers::markerText(block), m_out);
+            m_out += '}';
+        }
         switch (style) {
         case NumberingStyle::Period:
             if (numbering != Numbering::Bullet)
@@ -104,7 +107,7 @@ void Writer::writeParagraphProperties(const QTextBlock &block)
         if (style != NumberingStyle::NoNumber) {
             // The number as text, for readers that know neither form.
             m_out += "{\\listtext ";
-            escaped(numbering == Numbering::Bullet ? QString(QChar(0x2022)) : list->itemText(block), m_out);
+            escaped(listmarkers::markerText(block), m_out);
             m_out += "\\tab}";
         }
         m_needSpace = false;
@@ -120,13 +123,16 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     // A note goes whole with its reference, even where the range ends before it.
     const int rangeStart = m_inNote ? blockStart : m_start;
     const int rangeEnd = m_inNote ? blockEnd + 1 : m_end;
-    const bool inTable = !m_flattenCell && !m_inNote && qobject_cast<QTextTable *>(m_doc.frameAt(blockStart));
+    const bool inTable = !m_flattenCell && !m_inNote && m_tableDepth > 0;
     const QTextBlockFormat blockFormat = block.blockFormat();
     if (!inTable && !m_inNote && (blockFormat.pageBreakPolicy() & QTextFormat::PageBreak_AlwaysBefore))
         word("page");
     word("pard");
-    if (inTable)
+    if (inTable) {
         word("intbl");
+        if (m_tableDepth > 1)
+            word("itap", m_tableDepth);
+    }
     writeParagraphProperties(block);
     const QByteArray kept = blockFormat.property(KeptParagraphGroups).toByteArray();
     if (!kept.isEmpty() && !m_keptWritten.contains(kept)) {
@@ -137,33 +143,88 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     if (block.length() == 1)
         writeCharProps(block.charFormat());
 
-    // Consecutive fragments of one link form one HYPERLINK field.
+    // Consecutive fragments of one link form one HYPERLINK field; those of another field (with
+    // its instruction kept) form one field, inside the link or outside any.
     bool inLink = false;
     QString linkAddress;
     bool linkEffect = false;
     RunProps beforeLink;
-    auto closeLink = [&] {
-        if (!inLink)
+    bool inField = false;
+    bool fieldInLink = false;
+    QString fieldInstruction;
+    int fieldId = 0;
+    RunProps beforeField;
+    auto closeField = [&] {
+        if (!inField)
             return;
         m_out += "}}";
         m_needSpace = false;
-        m_props = beforeLink;
-        inLink = false;
+        m_props = beforeField;
+        inField = false;
     };
+    // Ends an open link field or object group: "}}" and the properties from before it.
+    auto closeGroup = [&](bool &open, const RunProps &before) {
+        if (!open)
+            return;
+        m_out += "}}";
+        m_needSpace = false;
+        m_props = before;
+        open = false;
+    };
+    // A field inside a link's result ends with the link.
+    auto closeLink = [&] {
+        if (inLink && fieldInLink)
+            closeField();
+        closeGroup(inLink, beforeLink);
+    };
+    // Consecutive fragments of one embedded object's result are written inside its group
+    // (rtfkept.h); a result that goes on from the paragraph before is written there.
+    QByteArray object = m_objectAtParagraphEnd;
+    bool inObject = false;
+    RunProps beforeObject;
+    auto closeObject = [&] { closeGroup(inObject, beforeObject); };
+    // A block's fragments follow each other, so their positions are counted here (asking
+    // each fragment for its position walks the document's fragment tree every time).
+    int fragmentStart = blockStart;
     for (auto it = block.begin(); !it.atEnd(); ++it) {
         const QTextFragment fragment = it.fragment();
-        const int from = std::max(rangeStart, fragment.position());
-        const int to = std::min(rangeEnd, fragment.position() + fragment.length());
+        const int fragmentPosition = fragmentStart;
+        fragmentStart += fragment.length();
+        const int from = std::max(rangeStart, fragmentPosition);
+        const int to = std::min(rangeEnd, fragmentStart);
         if (from >= to)
             continue;
         const QTextCharFormat qt = fragment.charFormat();
+        const QByteArray objectGroup = qt.property(KeptObjectGroup).toByteArray();
+        if (objectGroup != object) {
+            closeLink();
+            closeObject();
+            object = objectGroup;
+            if (!object.isEmpty()) {
+                beforeObject = m_props;
+                m_out += object;
+                m_out += "{\\result";
+                m_needSpace = true;
+                inObject = true;
+            }
+        }
         const QString address = qt.anchorHref();
         const bool effect = qt.boolProperty(format::LinkEffect);
         const bool isLink = !address.isEmpty() || effect;
+        const FormatMarks &marks = marksOf(qt, fragment.charFormatIndex());
+        const QString &instruction = marks.fieldInstruction;
+        const int id = marks.fieldId;
+        if (inField && (instruction != fieldInstruction || id != fieldId))
+            closeField();
         if (inLink && (!isLink || address != linkAddress || effect != linkEffect))
             closeLink();
-        QString value = fragment.text().mid(from - fragment.position(), to - from);
+        if (from == fragmentPosition)
+            writeBookmarks("bkmkstart", marks.startsBefore);
+        QString value = fragment.text();
+        if (to - from != value.size())
+            value = value.mid(from - fragmentPosition, to - from);
         if (isLink && !inLink) {
+            closeField();
             inLink = true;
             linkAddress = address;
             linkEffect = effect;
@@ -174,17 +235,37 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "{\\field";
             if (flags)
                 m_out += "{\\*\\kvlink" + QByteArray::number(flags) + '}';
-            m_out += "{\\*\\fldinst HYPERLINK \"";
             QString target = address.isEmpty() ? value : address;
+            // A place in the document (a bookmark) is named with the \l switch.
+            const bool local = target.size() > 1 && target.startsWith(QLatin1Char('#'));
+            if (local)
+                target.remove(0, 1);
+            m_out += local ? "{\\*\\fldinst HYPERLINK \\'5cl \"" : "{\\*\\fldinst HYPERLINK \"";
             target.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char('"'), QLatin1String("\\\""));
             escaped(target, m_out);
             m_out += "\"}{\\fldrslt";
             m_needSpace = true;
         }
+        if (!instruction.isEmpty() && !inField) {
+            inField = true;
+            fieldInLink = inLink;
+            fieldInstruction = instruction;
+            fieldId = id;
+            beforeField = m_props;
+            m_out += "{\\field{\\*\\fldinst ";
+            escaped(instruction, m_out);
+            m_out += "}{\\fldrslt";
+            m_needSpace = true;
+        }
+        const bool endsFragment = to == fragmentStart;
         if (qt.isImageFormat()) {
-            writeCharProps(qt);
+            writeCharProps(qt, fragment.charFormatIndex());
             for (int i = 0; i < value.size(); ++i)
                 writePicture(qt.toImageFormat());
+            if (endsFragment) {
+                writeBookmarks("bkmkstart", marks.startsAfter);
+                writeBookmarks("bkmkend", marks.ends);
+            }
             continue;
         }
         // Right-to-left text: in a group of its own that gives the same properties as the
@@ -197,7 +278,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_out += "{\\rtlch";
             m_needSpace = true;
         }
-        writeCharProps(qt);
+        writeCharProps(qt, fragment.charFormatIndex());
         if (rtl) {
             m_props.bold ? word("ab") : word("ab", 0);
             m_props.italic ? word("ai") : word("ai", 0);
@@ -214,10 +295,17 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
             m_needSpace = false;
             m_props = outside;
         }
+        if (endsFragment) {
+            writeBookmarks("bkmkstart", marks.startsAfter);
+            writeBookmarks("bkmkend", marks.ends);
+        }
         if (noteId && !m_inNote && m_notes.contains(noteId) && !m_notesWritten.contains(noteId))
             writeNote(noteId);
     }
+    closeField();
     closeLink();
+    closeObject();
+    m_objectAtParagraphEnd = object;
     if (blockEnd >= rangeStart && blockEnd < rangeEnd && ending)
         word(ending);
     m_out += '\n';

@@ -1,0 +1,27 @@
+#pragma once
+
+// Tables of an RTF document in a QTextDocument. Rows of a table may have different cell
+// boundaries: the table's grid has a column between every two boundaries of any row, and a
+// cell spans the columns between its own boundaries. A row that is shorter than the grid (it
+// starts further right or ends further left) gets filler cells for the space it does not
+// cover: they have no borders, take no text from the source and are not written back.
+//
+// Borders, shading, padding and vertical alignment are kept per cell in the cell's format
+// (QTextTableCellFormat); the table itself draws no border of its own (border collapse, width
+// 0), so a table whose source gives no borders is shown without lines.
+
+#include <QTextFormat>
+
+namespace kvrtb::rtf {
+
+enum TableProperty {
+    /// bool, on a table cell's format: the cell fills the part of the grid a shorter row does
+    /// not cover.
+    TableFillerCell = QTextFormat::UserProperty + 60,
+    /// bool, on an empty paragraph at the start of the document or of a cell, right before a
+    /// table: the source wrote this paragraph. Qt keeps an empty paragraph there in any case;
+    /// without this property it is only Qt's, and is not written.
+    EmptyParagraphBeforeTable = QTextFormat::UserProperty + 61,
+};
+
+} // namespace kvrtb::rtf

@@ -325,6 +325,51 @@ private slots:
         QCOMPARE(s->selectionParaFormat().numbering, std::optional<Numbering>(Numbering::None));
     }
 
+    void historyPointIsReadWithoutTrace()
+    {
+        auto s = makeSurface();
+        CountingListener listener;
+        s->setText(QStringLiteral("kept text"));
+        s->setSelection(4, 0);
+        QTest::keyClicks(s->widget(), QStringLiteral("XY"));
+        int lost = 0;
+        QVERIFY(s->markHistoryPoint([&lost] { ++lost; }));
+        QTest::keyClicks(s->widget(), QStringLiteral("Z"));
+        s->emptyUndoBuffer(); // ends the one-step undo only: the point stays readable
+        QVERIFY(!s->canUndo());
+        s->setSelection(2, 3);
+        s->setListener(&listener);
+        const quint64 revision = s->revision();
+        QString seen;
+        QVERIFY(s->readAtHistoryPoint([&] { seen = s->text(); }));
+        QCOMPARE(seen, QStringLiteral("keptXY text"));
+        QCOMPARE(s->text(), QStringLiteral("keptXYZ text"));
+        QCOMPARE(s->selStart(), 2);
+        QCOMPARE(s->selLength(), 3);
+        QCOMPARE(s->revision(), revision);
+        QCOMPARE(listener.changes, 0);
+        QCOMPARE(listener.selChanges, 0);
+        QVERIFY(!s->canUndo());
+        s->setListener(nullptr);
+
+        // A new document lets the keeper read the point first, once.
+        s->setText(QStringLiteral("new"));
+        QCOMPARE(lost, 1);
+        QVERIFY(!s->hasHistoryPoint());
+        QVERIFY(!s->readAtHistoryPoint([] {}));
+        QVERIFY(!s->restoreHistoryPoint());
+        QCOMPARE(s->text(), QStringLiteral("new"));
+
+        // Restoring goes back for good and empties the history.
+        QTest::keyClicks(s->widget(), QStringLiteral("A"));
+        QVERIFY(s->markHistoryPoint(nullptr));
+        QTest::keyClicks(s->widget(), QStringLiteral("BC"));
+        QVERIFY(s->restoreHistoryPoint());
+        QCOMPARE(s->text(), QStringLiteral("Anew"));
+        QVERIFY(!s->canUndo());
+        QVERIFY(!s->hasHistoryPoint());
+    }
+
     void undoThenUndoRedoes()
     {
         auto s = makeSurface();

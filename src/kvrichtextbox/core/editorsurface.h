@@ -351,6 +351,12 @@ public:
     /// then forgets the point. The edit history has no size limit, so nothing else loses it.
     /// \return false when the surface keeps no history; the caller must then copy the state.
     virtual bool markHistoryPoint(std::function<void()> beforeLost) = 0;
+    /// Like `markHistoryPoint`, but for the state that `undo` would go back to, without going
+    /// there: possible when the last edit was one step of the history that only inserted text
+    /// (typing). \a undoneCaret receives where `undo` would leave the caret (with nothing
+    /// selected). \return false, changing nothing (an earlier point stays), when the surface
+    /// cannot tell that state without undoing.
+    virtual bool markHistoryPointBeforeLastEdit(std::function<void()> beforeLost, int *undoneCaret) = 0;
     /// True while a point is held (even one whose history turned out not to lead back).
     virtual bool hasHistoryPoint() const = 0;
     /// Takes the document back to the point, calls \a read (which may only read the surface)

@@ -127,23 +127,39 @@ void SpecialUndo::writeKeptSnapshot(EditorSurface *surface)
     surface->forgetHistoryPoint();
 }
 
-void SpecialUndo::storeInSlot()
+void SpecialUndo::takeIntoSlot(bool kept, int selStart, int selLength)
 {
     EditorSurface &surface = m_core.surface();
     SpecialUndoSlot &slot = threadState().specialUndo;
-    slot.selLength = surface.selLength();
-    slot.selStart = surface.selStart();
-    if (slot.keptBy)
+    slot.selLength = selLength;
+    slot.selStart = selStart;
+    if (slot.keptBy && slot.keptBy != &surface)
         slot.keptBy->forgetHistoryPoint();
-    slot.keptBy = nullptr;
-    slot.writtenText.clear();
+    slot.keptBy = kept ? &surface : nullptr;
+    slot.writtenText = kept ? QString() : CaptureUndoSnapshot(surface);
     slot.readable = true;
-    EditorSurface *kept = &surface;
-    if (perThread<SnapshotPolicy>().keepInHistory && surface.markHistoryPoint([kept] { writeKeptSnapshot(kept); }))
-        slot.keptBy = kept;
-    else
-        slot.writtenText = CaptureUndoSnapshot(surface);
     m_linkUndoPending = true;
+}
+
+void SpecialUndo::storeInSlot()
+{
+    EditorSurface &surface = m_core.surface();
+    EditorSurface *kept = &surface;
+    const bool marked =
+        perThread<SnapshotPolicy>().keepInHistory && surface.markHistoryPoint([kept] { writeKeptSnapshot(kept); });
+    takeIntoSlot(marked, surface.selStart(), surface.selLength());
+}
+
+bool SpecialUndo::storeStateBeforeLastEdit()
+{
+    EditorSurface &surface = m_core.surface();
+    EditorSurface *kept = &surface;
+    int caret = -1;
+    if (!perThread<SnapshotPolicy>().keepInHistory ||
+        !surface.markHistoryPointBeforeLastEdit([kept] { writeKeptSnapshot(kept); }, &caret))
+        return false;
+    takeIntoSlot(true, caret, 0);
+    return true;
 }
 
 void SpecialUndo::SaveSpecialUndoData()
@@ -158,9 +174,21 @@ void SpecialUndo::SaveRegularUndoData()
     if (m_undoRunState >= 1)
         return;
     m_core.hyperlinks().SaveTopPosition();
-    Undo();
-    storeInSlot();
-    Undo(); // the second step of the toggling undo redoes the edit
+    if (m_core.surface().canUndo() && storeStateBeforeLastEdit()) {
+        // The state before the edit is known without going back over it: the host still sees
+        // the two undo steps of the round trip.
+        for (int step = 0; step < 2; ++step) {
+            m_core.events().begin();
+            m_core.events().finish();
+            m_core.events().ready();
+            m_undoRunState = 0;
+            m_core.refreshRuler();
+        }
+    } else {
+        Undo();
+        storeInSlot();
+        Undo(); // the second step of the toggling undo redoes the edit
+    }
     threadState().specialUndo.available = true;
 }
 

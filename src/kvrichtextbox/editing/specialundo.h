@@ -79,6 +79,13 @@ private:
     /// Stores selection and snapshot in the slot (the available flag is set by the callers).
     /// The snapshot is kept as a history point of the surface, not written.
     void storeInSlot();
+    /// Stores in the slot the state that the surface's undo would go back to, with the caret
+    /// where that undo would leave it, without undoing. \return false, storing nothing, when
+    /// the surface cannot tell that state so.
+    bool storeStateBeforeLastEdit();
+    /// The slot takes the surface's new point (or, when \a kept is false, the document written
+    /// now); the point of the snapshot it held before is forgotten.
+    void takeIntoSlot(bool kept, int selStart, int selLength);
     /// Writes the snapshot that \a surface keeps into the slot, if the slot's snapshot is still
     /// the one it keeps.
     static void writeKeptSnapshot(EditorSurface *surface);

@@ -131,9 +131,13 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
     connect(doc, &QTextDocument::undoCommandAdded, this, [this] {
         if (!m_undoing)
             m_lastWasUndo = false;
+        const int steps = document()->availableUndoSteps();
         // An edit made below the history point cut off the way back to it.
-        if (m_historyPoint >= 0 && document()->availableUndoSteps() <= m_historyPoint)
+        if (m_historyPoint >= 0 && steps <= m_historyPoint)
             m_historyPointBroken = true;
+        // The document reports the step before the change that made it.
+        m_lastStep = {m_stepsAtLastStepEnd, steps, 0, -1};
+        m_stepsAtLastStepEnd = steps;
     });
     connect(doc->documentLayout(), &QAbstractTextDocumentLayout::update, this, [this] { markLinesDirty(); });
     connect(m_edit, &SurfaceTextEdit::viewportResized, this, [this] {
@@ -177,6 +181,9 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
         markLinesDirty();
         return; // a round trip through the history: the document ends as it was
     }
+    // Undoing a step that only inserted text leaves the caret where the text went in.
+    const bool insertion = ++m_lastStep.changes == 1 && removed == 0 && added > 0;
+    m_lastStep.undoneCaret = insertion ? from : -1;
     ++m_revision;
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;
@@ -271,6 +278,7 @@ void QtEditorSurface::setText(const QString &text)
     resumeBatch();
     m_lastWasUndo = false;
     m_undoFloor = 0;
+    resyncLastStep();
     m_modified = true;
     if (m_freezeCount > 0)
         m_frozenCursor = QTextCursor(document());
@@ -620,6 +628,10 @@ void QtEditorSurface::undo()
     });
     m_lastWasUndo = !redo;
     m_undoing = false;
+    resyncLastStep();
+    // Back at the point: the next edit must start a step of its own (see markHistoryPoint).
+    if (m_historyPoint >= 0 && document()->availableUndoSteps() == m_historyPoint)
+        document()->setModified(false);
     markLinesDirty();
 }
 
@@ -635,6 +647,7 @@ void QtEditorSurface::emptyUndoBuffer()
         m_undoFloor = document()->availableUndoSteps();
         m_lastWasUndo = false;
         document()->setModified(false);
+        resyncLastStep();
     } else {
         clearHistory();
     }

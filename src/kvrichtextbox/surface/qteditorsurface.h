@@ -91,6 +91,7 @@ public:
     void undo() override;
     void emptyUndoBuffer() override;
     bool markHistoryPoint(std::function<void()> beforeLost) override;
+    bool markHistoryPointBeforeLastEdit(std::function<void()> beforeLost, int *undoneCaret) override;
     bool hasHistoryPoint() const override;
     bool readAtHistoryPoint(const std::function<void()> &read) override;
     bool restoreHistoryPoint() override;
@@ -179,6 +180,8 @@ private:
     bool rollBackToHistoryPoint();
     /// Empties the document's whole edit history and the one-step undo.
     void clearHistory();
+    /// Forgets what is known of the last step: the history moved other than by an edit.
+    void resyncLastStep();
     void onContentsChange(int from, int removed, int added);
     void onCursorMoved();
     /// Hands the decoration spans in view to the widget, in layer order (later layers paint on
@@ -226,6 +229,15 @@ private:
     int m_undoFloor = 0;
     /// A history round trip is running: its changes are not reported.
     bool m_quietHistory = false;
+    /// \brief The last step an edit added to the history, as far as the surface saw it.
+    struct LastStep {
+        int start = -1;       ///< undo steps before it
+        int end = -1;         ///< undo steps after it
+        int changes = 0;      ///< document changes reported since it was added
+        int undoneCaret = -1; ///< where undoing it leaves the caret; -1 when not known
+    };
+    LastStep m_lastStep;
+    int m_stepsAtLastStepEnd = 0; ///< undo steps when the last step was added
     WrapMode m_wrapMode = WrapMode::Window;
     int m_wrapWidth = 0;
     int m_rightMargin = 0;

@@ -35,6 +35,7 @@ bool QtEditorSurface::markHistoryPoint(std::function<void()> beforeLost)
     } else if (doc->availableUndoSteps() <= m_undoFloor && !doc->isRedoAvailable()) {
         clearHistory(); // nothing the one-step undo could still reach
     }
+    resyncLastStep();
     m_historyPoint = doc->availableUndoSteps();
     m_historyPointBroken = false;
     // The next edit made at this state starts an undo step of its own (Qt merges a typed
@@ -42,6 +43,24 @@ bool QtEditorSurface::markHistoryPoint(std::function<void()> beforeLost)
     doc->setModified(false);
     m_beforeHistoryPointLost = std::move(beforeLost);
     resumeBatch();
+    return true;
+}
+
+bool QtEditorSurface::markHistoryPointBeforeLastEdit(std::function<void()> beforeLost, int *undoneCaret)
+{
+    const QTextDocument *doc = document();
+    // Only a step of one change that inserted text, seen whole (its start agrees with the step
+    // count), still on top of the history, and in reach of the one-step undo.
+    const int steps = doc->availableUndoSteps();
+    if (m_freezeCount > 0 || m_lastWasUndo || !doc->isUndoRedoEnabled() || m_lastStep.undoneCaret < 0 ||
+        m_lastStep.end != steps || m_lastStep.start != steps - 1 || m_lastStep.start < m_undoFloor)
+        return false;
+    forgetHistoryPoint();
+    m_historyPoint = m_lastStep.start;
+    m_historyPointBroken = false;
+    m_beforeHistoryPointLost = std::move(beforeLost);
+    if (undoneCaret)
+        *undoneCaret = m_lastStep.undoneCaret;
     return true;
 }
 
@@ -72,6 +91,13 @@ void QtEditorSurface::clearHistory()
     document()->clearUndoRedoStacks();
     m_undoFloor = 0;
     m_lastWasUndo = false;
+    resyncLastStep();
+}
+
+void QtEditorSurface::resyncLastStep()
+{
+    m_lastStep = LastStep();
+    m_stepsAtLastStepEnd = document()->availableUndoSteps();
 }
 
 bool QtEditorSurface::rollBackToHistoryPoint()
@@ -135,6 +161,7 @@ bool QtEditorSurface::readAtHistoryPoint(const std::function<void()> &read)
     m_edit->horizontalScrollBar()->setValue(scrollX);
     m_edit->verticalScrollBar()->setValue(scrollY);
     m_quietHistory = false;
+    resyncLastStep();
     m_edit->setUpdatesEnabled(updates);
     resumeBatch();
     return there;

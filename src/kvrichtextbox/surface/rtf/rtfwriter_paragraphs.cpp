@@ -154,15 +154,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
     QString fieldInstruction;
     int fieldId = 0;
     RunProps beforeField;
-    auto closeField = [&] {
-        if (!inField)
-            return;
-        m_out += "}}";
-        m_needSpace = false;
-        m_props = beforeField;
-        inField = false;
-    };
-    // Ends an open link field or object group: "}}" and the properties from before it.
+    // Ends an open field, link or object group: "}}" and the properties from before it.
     auto closeGroup = [&](bool &open, const RunProps &before) {
         if (!open)
             return;
@@ -171,6 +163,7 @@ void Writer::writeBlock(const QTextBlock &block, const char *ending)
         m_props = before;
         open = false;
     };
+    auto closeField = [&] { closeGroup(inField, beforeField); };
     // A field inside a link's result ends with the link.
     auto closeLink = [&] {
         if (inLink && fieldInLink)

@@ -78,33 +78,31 @@ bool dark(QRgb pixel)
     return qGray(pixel) < 160;
 }
 
-// The rows of \a image between \a top and \a bottom that are dark all the way from \a left to
-// \a right: horizontal rules.
-QList<int> ruleRows(const QImage &image, int left, int right, int top, int bottom)
+// The lines of \a image across \a area that are dark all the way (rows for horizontal rules,
+// columns for vertical ones).
+QList<int> rulesIn(const QImage &image, const QRect &area, Qt::Orientation orientation)
 {
-    QList<int> rows;
-    for (int y = std::max(0, top); y <= std::min(bottom, image.height() - 1); ++y) {
+    const QRect clipped = area & image.rect();
+    const bool rows = orientation == Qt::Horizontal;
+    QList<int> found;
+    for (int line = rows ? clipped.top() : clipped.left(); line <= (rows ? clipped.bottom() : clipped.right()); ++line) {
         bool all = true;
-        for (int x = left; x <= right && all; ++x)
-            all = dark(image.pixel(x, y));
+        for (int along = rows ? clipped.left() : clipped.top(); along <= (rows ? clipped.right() : clipped.bottom()) && all; ++along)
+            all = dark(rows ? image.pixel(along, line) : image.pixel(line, along));
         if (all)
-            rows << y;
+            found << line;
     }
-    return rows;
+    return found;
 }
 
-// The columns between \a left and \a right that are dark from \a top to \a bottom.
+QList<int> ruleRows(const QImage &image, int left, int right, int top, int bottom)
+{
+    return rulesIn(image, QRect(QPoint(left, top), QPoint(right, bottom)), Qt::Horizontal);
+}
+
 QList<int> ruleColumns(const QImage &image, int left, int right, int top, int bottom)
 {
-    QList<int> columns;
-    for (int x = std::max(0, left); x <= std::min(right, image.width() - 1); ++x) {
-        bool all = true;
-        for (int y = top; y <= bottom && all; ++y)
-            all = dark(image.pixel(x, y));
-        if (all)
-            columns << x;
-    }
-    return columns;
+    return rulesIn(image, QRect(QPoint(left, top), QPoint(right, bottom)), Qt::Vertical);
 }
 
 // Grey: in documents of red letters, only a shadow.

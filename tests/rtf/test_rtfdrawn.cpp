@@ -33,13 +33,13 @@ using namespace kvrtb;
 
 namespace {
 
-// A plain paragraph, a box of two paragraphs (30-twip lines 80 twips from the text), a
+// A plain paragraph, a shaded box of two paragraphs (30-twip lines 80 twips from the text), a
 // paragraph with a double line below it only, and a plain one.
 const QByteArray kBorderDocument =
-    "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red0\\green0\\blue255;}\\f0\\fs20"
+    "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red0\\green0\\blue255;\\red255\\green255\\blue160;}\\f0\\fs20"
     "\\pard plain above\\par"
-    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1 boxed one\\par"
-    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1 boxed two\\par"
+    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1\\cbpat2 boxed one\\par"
+    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1\\cbpat2 boxed two\\par"
     "\\pard\\brdrb\\brdrdb\\brdrw15\\brsp40 underlined twice\\par"
     "\\pard plain below\\par}";
 
@@ -210,6 +210,11 @@ private slots:
         QVERIFY(leftRule.last() < textLeft - 4);
         QVERIFY(!ruleColumns(drawn, textRight, textRight + 9, int(one.top()), int(two.bottom())).isEmpty());
         QVERIFY(ruleColumns(bare, textLeft - 9, textLeft, int(one.top()), int(two.bottom())).isEmpty());
+        // The shading fills the box out to its lines: the space between line and text too.
+        const QPoint padding(textLeft - 3, int(one.center().y()));
+        QCOMPARE(drawn.pixel(padding), qRgb(255, 255, 160));
+        QCOMPARE(bare.pixel(padding), qRgb(255, 255, 255));
+        QCOMPARE(drawn.pixel(textLeft + 200, int(one.top()) - 2), qRgb(255, 255, 160));
         // A double line below the next paragraph only: two rules, none above it; the plain
         // paragraphs get none.
         const QList<int> doubled = ruleRows(drawn, 20, 580, int(twice.bottom()), int(below.top()));

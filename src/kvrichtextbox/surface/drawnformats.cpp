@@ -59,12 +59,13 @@ void paintUnderText(QPainter &painter, const QTextDocument &document, const QRec
 void paintOverText(QPainter &painter, const QTextDocument &document, const QRectF &clip, const QRectF &borderArea,
                    const QColor &textColour)
 {
-    listmarkers::paint(painter, document, clip, textColour);
     const qreal scale = deviceScale(document);
     forEachBlockIn(document, clip, [&](const QTextBlock &block, const QRectF &bounds) {
         paragraphborders::paintBlock(painter, block, bounds, borderArea, scale, textColour);
         tableaders::paint(painter, document, block, bounds, scale, textColour);
     });
+    // After the borders: a marker hanging out of a shaded box's text stands on its shading.
+    listmarkers::paint(painter, document, clip, textColour);
 }
 
 } // namespace kvrtb::drawnformats

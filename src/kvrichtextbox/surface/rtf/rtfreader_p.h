@@ -399,7 +399,9 @@ private:
     void endParagraph(bool insertBreak);
     void applyParagraph(const ParaState &para);
     // The block format of a paragraph with these properties (m_keptParagraph goes into it).
+    // (A note's paragraphs add the note's own properties to it.)
     QTextBlockFormat paragraphFormat(const ParaState &para, bool pageBreak, bool listParagraph, bool ownIndents);
+    void addNoteProperties(QTextBlockFormat &qt) const;
 
     // destinations: font and colour tables, fields, pictures, list tables
     // (rtfreader_destinations.cpp)
@@ -540,16 +542,16 @@ private:
     int m_parCount = 0;
     bool m_lastWasPar = false;
     ParaState m_documentPara; // the paragraph properties in effect when the document's group closed
-    // The last paragraph format built, and what it was built from.
-    struct {
-        bool valid = false;
+    // The last paragraph formats built, and what each was built from (lists alternate between
+    // a few levels, so a few are kept).
+    struct BuiltParagraph {
         ParaState para;
         bool pageBreak = false;
         bool inNote = false;
-        int noteKind = 0;
-        int noteId = 0;
         QTextBlockFormat format;
-    } m_lastParagraph;
+    };
+    std::vector<BuiltParagraph> m_builtParagraphs;
+    size_t m_nextBuiltParagraph = 0; // the entry the next new format replaces
     bool m_pageBreakPending = false; // the paragraph being read starts a new page
     void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a

@@ -142,6 +142,16 @@ size_t qHash(const CellLook &look, size_t seed = 0)
     return hash(hash(seed, look.vAlign), look.background.isValid() ? look.background.rgba() : 0u);
 }
 
+// True when the cell's format says only that it is a cell of its table, and how far it spans.
+bool isBareCellFormat(const QTextCharFormat &format)
+{
+    int own = 0;
+    for (const int property : {int(QTextFormat::ObjectIndex), int(QTextFormat::ObjectType),
+                               int(QTextFormat::TableCellRowSpan), int(QTextFormat::TableCellColumnSpan)})
+        own += format.hasProperty(property);
+    return format.propertyCount() == own;
+}
+
 // A merge of cells the layout asks of the table, and the look a cell gets (-1: the filler's).
 struct CellPlan {
     int row = 0;
@@ -353,10 +363,16 @@ void Reader::applyTableLayout(TableBuild &build)
     formats.reserve(looks.size());
     for (const CellLook &look : looks)
         formats.push_back(look.toFormat());
-    // Every cell gets its format, also one that gives nothing: a cell's format replaces the
-    // character format its first paragraph had while the cell was read.
-    for (const CellPlan &plan : cells)
-        table->cellAt(plan.row, plan.column).setFormat(formats[size_t(plan.look)]);
+    // A cell's format also replaces the character format its first paragraph had while the
+    // cell was read (Qt keeps both in one place); a cell whose look gives nothing and whose
+    // format holds nothing else keeps the one it has.
+    const CellLook plain;
+    for (const CellPlan &plan : cells) {
+        QTextTableCell cell = table->cellAt(plan.row, plan.column);
+        if (looks[size_t(plan.look)] == plain && isBareCellFormat(cell.format()))
+            continue;
+        cell.setFormat(formats[size_t(plan.look)]);
+    }
 }
 
 } // namespace kvrtb::rtf::detail

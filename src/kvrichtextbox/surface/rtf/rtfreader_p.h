@@ -92,7 +92,7 @@ enum class Word : quint16 {
     PaperW, PaperH, MargL, MargR, MargT, MargB, Landscape, PgWSxn, PgHSxn, MargLSxn, MargRSxn,
     MargTSxn, MargBSxn, LndscpSxn,
     // paragraphs
-    Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
+    Pard, TrowD, CellX, TrLeft, TrRh, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
     // table rows and cells: borders, shading, padding, alignment, nesting
     Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
@@ -303,6 +303,7 @@ struct CellDef {
 struct RowDef {
     int left = 0;
     bool leftGiven = false;
+    int height = 0;        // \trrh: twips, positive at least, negative exactly, 0 automatic
     int gap = -1;          // \trgaph: half the space between cells, twips
     quint8 align = 0;      // 0 left, 1 centre, 2 right
     qint16 padding[4] = {-1, -1, -1, -1};

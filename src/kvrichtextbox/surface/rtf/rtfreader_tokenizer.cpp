@@ -73,7 +73,7 @@ std::unordered_map<std::string_view, Word> wordList()
         {"afs", Word::Afs}, {"rtlch", Word::RtlCh}, {"ltrch", Word::LtrCh}, {"hich", Word::HiCh},
         {"dbch", Word::DbCh}, {"loch", Word::LoCh}, {"rtlpar", Word::RtlPar}, {"ltrpar", Word::LtrPar},
         // paragraphs
-        {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft},
+        {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft}, {"trrh", Word::TrRh},
         {"clmgf", Word::ClMgf}, {"clmrg", Word::ClMrg}, {"clvmgf", Word::ClVmgf}, {"clvmrg", Word::ClVmrg}, {"ql", Word::Ql}, {"qc", Word::Qc}, {"qr", Word::Qr}, {"qj", Word::Qj},
         {"li", Word::Li}, {"ri", Word::Ri}, {"fi", Word::Fi}, {"sb", Word::Sb}, {"sa", Word::Sa},
         {"sl", Word::Sl}, {"slmult", Word::SlMult}, {"tx", Word::Tx}, {"intbl", Word::Intbl},

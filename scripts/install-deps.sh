@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools libgl-dev qt6-tools-dev
+  qt6-base-private-dev
   qt6-multimedia-dev
   fonts-liberation2
   clang libclang-rt-14-dev

@@ -161,6 +161,23 @@ private slots:
         const QString now = batched->rtf();
         batched->applyColourRuns(900, 5, base, {{900, 5, kKeyword}});
         QCOMPARE(batched->rtf(), now);
+
+        // A document with a table: runs inside cells and across them, and one step of undo.
+        const QString table = QStringLiteral(
+            "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0 Dim a As Long\\par\n"
+            "\\trowd\\cellx2000\\cellx4000\\intbl Dim b\\cell\\intbl ' c\\cell\\row\n"
+            "\\pard x = \"s\"\\par}");
+        for (QtEditorSurface *s : {batched.get(), reference.get()})
+            s->setRtf(table);
+        const QString beforeTable = batched->rtf();
+        const QString tableText = batched->text();
+        QList<EditorSurface::ColourRun> tableRuns = runsOf(tableText, 0);
+        tableRuns.append({int(tableText.indexOf(QStringLiteral("b"))), 5, kComment}); // across two cells
+        batched->applyColourRuns(0, -1, base, tableRuns);
+        reference->applyCharFormats(spansOf(0, -1, base, tableRuns));
+        QCOMPARE(batched->rtf(), reference->rtf());
+        batched->undo();
+        QCOMPARE(batched->rtf(), beforeTable);
     }
 
     void largeBatchKeepsLinesAndLayout()

@@ -10,6 +10,7 @@
 #include "editorinput/popupmenu.h"
 #include "syntax/colouringengine.h"
 #include "syntax/keywordpatterns.h"
+#include "syntax/keywordscanner.h"
 #include "syntax/syntax.h"
 #include "testsupport.h"
 
@@ -158,6 +159,7 @@ private slots:
     void cancelLeavesExactDocumentAndProgress();
     void pendingInputAndTypingDuringRun();
     void keywordListsMatchPatterns();
+    void keywordScannerAgreesWithPatternEngine();
     void surfaceRewriteAndScroll();
     void controlMembersAndUndo();
     void commandLine();
@@ -558,6 +560,80 @@ void TestSyntax::keywordListsMatchPatterns()
 
     QCOMPARE(KeywordPatterns::properCase(QStringLiteral("rem DON'T x(y)\tz-Q")), QStringLiteral("Rem Don't X(y)\tZ-q"));
     QCOMPARE(KeywordPatterns::properCase(QString()), QString());
+}
+
+void TestSyntax::keywordScannerAgreesWithPatternEngine()
+{
+    const auto engineMatches = [](const QString &pattern, const QString &text) {
+        QList<KeywordScanner::Match> found;
+        const QRegularExpression re(pattern, QRegularExpression::CaseInsensitiveOption);
+        for (auto it = re.globalMatch(text); it.hasNext();) {
+            const auto m = it.next();
+            found.append({int(m.capturedStart()), int(m.capturedLength())});
+        }
+        return found;
+    };
+    const auto same = [](const QList<KeywordScanner::Match> &a, const QList<KeywordScanner::Match> &b) {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto &x, const auto &y) {
+            return x.start == y.start && x.length == y.length;
+        });
+    };
+    const QStringList patterns = {KeywordPatterns::vb6Keywords(), KeywordPatterns::vbNetKeywords(),
+                                  QStringLiteral("\\b(select|from|Len(?!\\()|len|Option|option base)\\b")};
+
+    // The corpus, and words next to digits, underscores, letters outside ASCII, parentheses and
+    // characters beyond the first plane.
+    QStringList texts = {QStringLiteral("Len(a) Len (a) LEN( len(x) String(3) string$ String\nLen"),
+                         QStringLiteral("_Dim Dim_ Dim2 2Dim D1m \u00e9Dim Dim\u00e9 \u00a0If\u00a0Then x.End.Sub"),
+                         QStringLiteral("Option Base 1\nOption Compare Binary\noption   explicit"),
+                         QStringLiteral("\U0001D400Dim Dim\U0001D400 \u0130f x\u0130f AddressOfX NotOverridable NotOverridables"),
+                         QStringLiteral("select FROM\tlen( Len(( selectfrom Select_ (select)")};
+    const QDir corpus(test::corpusPath(QStringLiteral("vb")));
+    for (const QString &name : corpus.entryList(QDir::Files, QDir::Name))
+        texts << QString::fromUtf8(test::readAll(corpus.filePath(name)));
+    // Random mixtures of keyword pieces and separators.
+    const QStringList pieces = {"Len", "len", "String", "(", " ", "\n", "_", "1", "Dim", "AS", "s", "Option",
+                                "Base", "\u00e9", "\"", "'", "Rem", "Xor", ".", "Select", "from", "x"};
+    quint32 seed = 12345;
+    for (int t = 0; t < 200; ++t) {
+        QString text;
+        for (int i = 0; i < 40; ++i) {
+            seed = seed * 1664525u + 1013904223u;
+            text += pieces.at(int((seed >> 8) % quint32(pieces.size())));
+        }
+        texts << text;
+    }
+    for (const QString &pattern : patterns) {
+        const std::optional<KeywordScanner> scanner = KeywordScanner::fromPattern(pattern);
+        QVERIFY2(scanner, qPrintable(pattern.left(40)));
+        int total = 0;
+        for (const QString &text : texts) {
+            QVERIFY(KeywordScanner::canScan(text));
+            const QList<KeywordScanner::Match> expected = engineMatches(pattern, text);
+            QVERIFY2(same(scanner->matches(text), expected), qPrintable(pattern.left(40) + QLatin1Char(' ') + text.left(60)));
+            total += int(expected.size());
+        }
+        QVERIFY(total > 100);
+    }
+
+    // Letters whose case variants are ASCII ones (the long s matches "Sub" for the pattern
+    // engine), and broken surrogate pairs, go to the pattern engine; so does a pattern the
+    // scanner cannot take.
+    for (const char16_t c : {u'\u017F', u'\u212A', u'\u0131', u'\xD800', u'\xDC00'})
+        QVERIFY(!KeywordScanner::canScan(QStringLiteral("x ") + QChar(c) + QStringLiteral("ub")));
+    for (const QString &declined : {QStringLiteral("\\b(Dim|Base Option)\\b"), QStringLiteral("\\b(Di+m)\\b"),
+                                    QStringLiteral("\\b(Dim||As)\\b"), QStringLiteral("(Dim|As)"),
+                                    QStringLiteral("\\b(Dim|As)\\b|x"), QStringLiteral("\\b(D\u00edm)\\b")})
+        QVERIFY2(!KeywordScanner::fromPattern(declined), qPrintable(declined));
+    // Such a text still gets the pattern engine's matches: "A" and the long s read as "As" (the
+    // long s is no word character, so a word boundary follows it).
+    ColouringEngine::Rules rules;
+    rules.passes[ColouringEngine::KeywordRole].pattern = KeywordPatterns::vb6Keywords();
+    const QString longS = QStringLiteral("A\u017Fub Dim");
+    const QList<KeywordScanner::Match> found = ColouringEngine::collect(longS, rules).byRole[ColouringEngine::KeywordRole];
+    QCOMPARE(found.size(), 2);
+    QCOMPARE(found.at(0).length, 2);
+    QVERIFY(same(found, engineMatches(KeywordPatterns::vb6Keywords(), longS)));
 }
 
 void TestSyntax::surfaceRewriteAndScroll()

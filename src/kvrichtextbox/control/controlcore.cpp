@@ -75,11 +75,16 @@ void ControlCore::refreshRuler()
 
 void ControlCore::setProgress(int percent)
 {
-    const int clamped = std::clamp(percent, 0, 100);
-    if (clamped == m_progress)
+    setProgressValue(percent);
+    if (m_progress == m_progressShown)
         return;
-    m_progress = clamped;
+    m_progressShown = m_progress;
     m_events.progressChanged(m_progress);
+}
+
+void ControlCore::setProgressValue(int percent)
+{
+    m_progress = std::clamp(percent, 0, 100);
 }
 
 } // namespace kvrtb

@@ -100,8 +100,13 @@ public:
 
     /// Completion percentage (0 to 100) of the running long operation; 0 when none runs.
     int progress() const { return m_progress; }
-    /// Sets the percentage (clamped to 0..100) and tells the events sink.
+    /// Sets the percentage (clamped to 0..100) and tells the events sink (which shows it in the
+    /// progress bar) when it differs from what the sink was last told.
     void setProgress(int percent);
+    /// Sets the percentage (clamped to 0..100) without telling the events sink: `progress` is
+    /// right at once, the progress bar catches up at the next `setProgress`. For long loops that
+    /// keep the number exact at every yield but repaint the bar only now and then.
+    void setProgressValue(int percent);
 
     /// While true, selection changes are not reported to the host: bulk passes move the
     /// selection without telling it. Use `QuietSelection` to set it for a scope.
@@ -131,6 +136,7 @@ private:
     std::unique_ptr<SpellingCorrections> m_spellingCorrections;
     std::unique_ptr<SpellAsYouType> m_spellAsYouType;
     int m_progress = 0;
+    int m_progressShown = 0; ///< the percentage the events sink was last told
     int m_selectionQuiet = 0;
 };
 

@@ -7,6 +7,15 @@
 #include <QHash>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextFrame>
+
+#ifdef KVRTB_HAVE_QT_TEXT_PRIVATE
+// The document's own fragment table (Debian qt6-base-private-dev, the same Qt version as the
+// library): the colour batch writes formats into it without a cursor and without merging each
+// run's format again, which takes about half the time of the public API for tens of thousands
+// of runs. Without these headers the batch takes the public cursor path, with the same result.
+#include <QtGui/private/qtextdocument_p.h>
+#endif
 
 namespace kvrtb {
 
@@ -43,6 +52,56 @@ private:
     QSizeF m_pageSize;
 };
 
+#ifdef KVRTB_HAVE_QT_TEXT_PRIVATE
+/// \brief Merges format changes into the document's text fragments directly.
+///
+/// The result of `merge` is that of a cursor selecting the range and merging the change: each
+/// fragment's format merged with the change, one undo command per fragment, the blocks laid out
+/// again. But the merged format is worked out once for each original format and change, and
+/// whole stretches of fragments with the same format are set in one call. Only for documents
+/// without tables or frames, where a cursor's selection is a plain range of text.
+class FragmentFormatter {
+public:
+    explicit FragmentFormatter(QTextDocument *document)
+        : m_document(QTextDocumentPrivate::get(document))
+    {
+    }
+
+    /// Merges \a change, known by \a key (one key for one change), into [from, to).
+    void merge(int from, int to, const QTextCharFormat &change, quint64 key)
+    {
+        int position = from;
+        while (position < to) {
+            QTextDocumentPrivate::FragmentIterator it = m_document->find(position);
+            const int format = it.value()->format;
+            int end = it.position() + int(it.value()->size_array[0]);
+            for (++it; end < to && !it.atEnd() && it.value()->format == format; ++it)
+                end += int(it.value()->size_array[0]);
+            end = std::min(end, to);
+            m_document->setCharFormat(position, end - position, merged(format, change, key),
+                                      QTextDocumentPrivate::SetFormat);
+            position = end;
+        }
+    }
+
+private:
+    const QTextCharFormat &merged(int format, const QTextCharFormat &change, quint64 key)
+    {
+        const QPair<int, quint64> id(format, key);
+        auto found = m_merged.constFind(id);
+        if (found == m_merged.constEnd()) {
+            QTextFormat result = m_document->formatCollection()->format(format);
+            result.merge(change);
+            found = m_merged.insert(id, result.toCharFormat());
+        }
+        return *found;
+    }
+
+    QTextDocumentPrivate *m_document;
+    QHash<QPair<int, quint64>, QTextCharFormat> m_merged;
+};
+#endif
+
 } // namespace
 
 void QtEditorSurface::applyCharFormats(const QList<FormatSpan> &spans)
@@ -70,26 +129,53 @@ void QtEditorSurface::applyColourRuns(int start, int length, const CharFormat &b
         const LazyRelayout lazy(doc, runs.size() + 1);
         batch.beginEditBlock();
         QTextCursor range = rangeCursor(start, length);
-        if (range.hasSelection())
-            format::applyCharFormat(range, base);
-        // A source file has a handful of colours and tens of thousands of runs: each colour's
-        // format change is built once, and one cursor walks the runs.
-        QHash<Colour, QTextCharFormat> changes;
         const int end = textLength();
-        for (const ColourRun &run : runs) {
-            const int from = clamp(run.start);
-            const int to = run.length < 0 ? end : clamp(from + run.length);
-            if (to <= from)
-                continue;
-            auto change = changes.constFind(run.colour);
+        // A source file has a handful of colours and tens of thousands of runs: each colour's
+        // format change is built once.
+        QHash<Colour, QTextCharFormat> changes;
+        const auto changeFor = [&changes](Colour colour) -> const QTextCharFormat & {
+            auto change = changes.constFind(colour);
             if (change == changes.constEnd()) {
-                CharFormat colour;
-                colour.color = run.colour;
-                change = changes.insert(run.colour, format::charDelta(colour));
+                CharFormat format;
+                format.color = colour;
+                change = changes.insert(colour, format::charDelta(format));
             }
-            range.setPosition(from);
-            range.setPosition(to, QTextCursor::KeepAnchor);
-            range.mergeCharFormat(*change);
+            return *change;
+        };
+        bool direct = false;
+#ifdef KVRTB_HAVE_QT_TEXT_PRIVATE
+        direct = doc->rootFrame()->childFrames().isEmpty();
+        if (direct) {
+            FragmentFormatter formatter(doc);
+            if (range.hasSelection()) {
+                // Underline and the link effect depend on each character's other one: those
+                // changes take the general path.
+                if (base.underline || base.linkEffect)
+                    format::applyCharFormat(range, base);
+                else
+                    formatter.merge(range.selectionStart(), range.selectionEnd(), format::charDelta(base), 0);
+            }
+            for (const ColourRun &run : runs) {
+                const int from = clamp(run.start);
+                const int to = run.length < 0 ? end : clamp(from + run.length);
+                if (to > from)
+                    formatter.merge(from, to, changeFor(run.colour), (quint64(1) << 32) | run.colour);
+            }
+        }
+#endif
+        if (!direct) {
+            if (range.hasSelection())
+                format::applyCharFormat(range, base);
+            // One cursor walks the runs.
+            for (const ColourRun &run : runs) {
+                const int from = clamp(run.start);
+                const int to = run.length < 0 ? end : clamp(from + run.length);
+                if (to <= from)
+                    continue;
+                range.setPosition(from);
+                range.setPosition(to, QTextCursor::KeepAnchor);
+                range.mergeCharFormat(changeFor(run.colour));
+            }
         }
         batch.endEditBlock();
     }

@@ -39,10 +39,20 @@ ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules, Mat
 ColouringEngine::Matches ColouringEngine::collect(const QString &subject, const Rules &rules)
 {
     Matches found;
+    std::optional<bool> scannable; // whether the text suits the keyword scanner, once asked
     for (int role = 0; role < kRoleCount; ++role) {
         const Pass &pass = rules.passes[size_t(role)];
         if (pass.pattern.isEmpty())
             continue;
+        // A list of words is found by splitting the text into words, with the same result.
+        if (const std::optional<KeywordScanner> scanner = KeywordScanner::fromPattern(pass.pattern)) {
+            if (!scannable)
+                scannable = KeywordScanner::canScan(subject);
+            if (*scannable) {
+                found.byRole[size_t(role)] = scanner->matches(subject);
+                continue;
+            }
+        }
         const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
         if (!pattern.isValid()) {
             found.warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")

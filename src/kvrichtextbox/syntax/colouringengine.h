@@ -2,6 +2,7 @@
 
 #include "core/colour.h"
 #include "core/editorsurface.h"
+#include "syntax/keywordscanner.h"
 
 #include <QHash>
 #include <QList>
@@ -60,10 +61,7 @@ public:
     };
 
     /// One match of a pattern: its position in the subject and its length.
-    struct Match {
-        int start;
-        int length;
-    };
+    using Match = KeywordScanner::Match;
     /// \brief The matches of the three patterns in a subject, in text order for each role.
     ///
     /// Finding them reads nothing but the subject and the rules, so `collect` may run on

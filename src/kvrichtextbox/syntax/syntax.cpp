@@ -8,6 +8,8 @@
 #include "hyperlinks/hyperlinks.h"
 #include "syntax/keywordpatterns.h"
 
+#include <QElapsedTimer>
+
 namespace kvrtb {
 
 namespace {
@@ -225,13 +227,22 @@ bool Syntax::walk(ColouringEngine &engine)
     PlatformServices &services = m_core.services();
     int sinceYield = 0;
     bool skipNext = false;
+    QElapsedTimer sinceRepaint;
+    sinceRepaint.start();
     while (!engine.atEnd()) {
         const bool passEnded = engine.handleNext(skipNext);
         skipNext = false;
         if (++sinceYield < kMatchesPerYield && !passEnded)
             continue;
         sinceYield = 0;
-        m_core.setProgress(ColouringEngine::percentage(engine.handled(), engine.total()));
+        // Repainting the bar costs far more than the yield itself: it follows at a bounded rate.
+        const int percent = ColouringEngine::percentage(engine.handled(), engine.total());
+        if (sinceRepaint.elapsed() >= kProgressRepaintInterval) {
+            m_core.setProgress(percent);
+            sinceRepaint.restart();
+        } else {
+            m_core.setProgressValue(percent);
+        }
         services.processEvents();
         if (cancelRequested())
             return false;

@@ -21,7 +21,8 @@ class ControlCore;
 /// How a run goes: the matches are collected from one read of the text and walked by a
 /// `ColouringEngine`, which decides every colour without touching the document. The walk yields
 /// to the event loop every `kMatchesPerYield` matches and at the end of each pass, updating the
-/// progress (`ProgressPercentage`, `ProgressBar1`); there the host may ask `CanCancelSyntax` or
+/// progress (`ProgressPercentage` at every yield, `ProgressBar1` at most every
+/// `kProgressRepaintInterval`); there the host may ask `CanCancelSyntax` or
 /// call `Cancel_Syntax` (or `KillSwitch`), and user input that arrived during the yield makes
 /// the walk pass over the next match uncoloured. Only a walk that ran to its end is applied: the
 /// colour runs and capitalisation changes go to the surface as one batch inside one display freeze.
@@ -35,6 +36,9 @@ public:
     /// Matches handled between two yields to the event loop (a few milliseconds of work), besides
     /// the yield at the end of each pass.
     static constexpr int kMatchesPerYield = 2048;
+    /// The progress bar is repainted at most this often (milliseconds) during the walk, so a
+    /// walk shorter than that never shows it; `ProgressPercentage` is exact at every yield.
+    static constexpr qint64 kProgressRepaintInterval = 100;
 
     enum class Variant { VB6, VBNet, My };
 

@@ -410,6 +410,7 @@ private:
     void finishDestination(const GroupState &closing);
     void addToDestination(const QString &s);
     void insertPicture(const PictureBuild &picture);
+    void keepObjectOfPictureFrame();
 
     // notes (rtfreader_notes.cpp)
     void addNoteMark(bool annotation);
@@ -516,6 +517,7 @@ private:
 
     QString m_shapeProperty; // the name of the shape property being read
     bool m_shapePicture = false; // the shape being read is a picture frame
+    int m_shapePictureAt = -1;   // where the picture of that frame goes in
 
     // stylesheet
     QHash<int, StyleDef> m_paragraphStyles;

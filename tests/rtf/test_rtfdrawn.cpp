@@ -300,6 +300,73 @@ private slots:
         control.SetRTBChanged(false);
     }
 
+    void breaksAndJoinsInsideABoxKeepItsRoomAtItsEdges()
+    {
+        RecordingPlatformServices services;
+        KvRTB control(services);
+        control.resize(700, 400);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        control.setTextRTF(QString::fromLatin1(kBorderDocument));
+        auto *edit = control.findChild<QTextEdit *>();
+        const QTextDocument &doc = *edit->document();
+        const auto margins = [&doc](int block) {
+            const QTextBlockFormat f = doc.findBlockByNumber(block).blockFormat();
+            return std::pair(f.topMargin(), f.bottomMargin());
+        };
+        const auto first = margins(1); // room above only
+        const auto last = margins(2);  // room below only
+        QVERIFY(first.first > 7 && first.second == 0 && last.first == 0 && last.second > 7);
+        const QByteArray written = rtf::writeRtf(doc);
+
+        // Enter in the middle of the box's first paragraph: the room above stays with its first
+        // half, and no gap opens between the halves.
+        edit->setFocus();
+        QTest::keyClick(edit, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Down);
+        QTest::keyClick(edit, Qt::Key_End);
+        QTest::keyClick(edit, Qt::Key_Left);
+        QTest::keyClick(edit, Qt::Key_Left);
+        QTest::keyClick(edit, Qt::Key_Left);
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(doc.findBlockByNumber(1).text(), QStringLiteral("boxed "));
+        QCOMPARE(doc.findBlockByNumber(2).text(), QStringLiteral("one"));
+        QCOMPARE(margins(1), std::pair(first.first, 0.0));
+        QCOMPARE(margins(2), std::pair(0.0, 0.0));
+        QVERIFY(boundsOf(doc, 2).top() - boundsOf(doc, 1).bottom() < 1);
+        // One step of the control's undo takes the break and the room's move back together.
+        control.Undo();
+        QCOMPARE(doc.findBlockByNumber(1).text(), QStringLiteral("boxed one"));
+        QCOMPARE(margins(1), first);
+        QCOMPARE(rtf::writeRtf(doc), written);
+
+        // Enter at the end of the box's last paragraph: the new one ends the box and takes the
+        // room below; Backspace joins them again and gives it back.
+        QTest::keyClick(edit, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Down);
+        QTest::keyClick(edit, Qt::Key_Down);
+        QTest::keyClick(edit, Qt::Key_End);
+        QCOMPARE(edit->textCursor().block().text(), QStringLiteral("boxed two"));
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(margins(2), std::pair(0.0, 0.0));
+        QCOMPARE(margins(3), last);
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QCOMPARE(doc.blockCount(), 5);
+        QCOMPARE(margins(2), last);
+        QCOMPARE(rtf::writeRtf(doc), written);
+
+        // Typing over a selection from inside the box to the plain paragraph below it: the
+        // joined paragraph is the box's last and has the room below.
+        QTest::keyClick(edit, Qt::Key_Home);
+        QTest::keyClick(edit, Qt::Key_Up);
+        QTest::keyClick(edit, Qt::Key_End);
+        QTest::keyClick(edit, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(edit, Qt::Key_X);
+        QCOMPARE(doc.blockCount(), 4);
+        QCOMPARE(margins(1), std::pair(first.first, last.second));
+        control.SetRTBChanged(false);
+    }
+
     void leadersFillTheGapBeforeTheirStop()
     {
         QTextDocument doc;

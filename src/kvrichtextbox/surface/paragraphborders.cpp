@@ -220,6 +220,27 @@ void makeRoom(QTextDocument &document)
     }
 }
 
+bool nearBox(const QTextDocument &document, int from, int to)
+{
+    const QTextBlock first = document.findBlock(from);
+    const QTextBlock last = document.findBlock(to);
+    for (const QTextBlock &block : {first.previous(), first, last, last.next()}) {
+        if (block.isValid() && bordersOrRoom(block.blockFormat()))
+            return true;
+    }
+    return false;
+}
+
+void fitRoomAround(QTextCursor &cursor, int position)
+{
+    const QTextBlock block = cursor.document()->findBlock(position);
+    for (const QTextBlock &near : {block.previous(), block, block.next()}) {
+        const QTextBlockFormat format = near.blockFormat();
+        if (near.isValid() && bordersOrRoom(format))
+            giveRoom(cursor, near, roomNeeded(near, format));
+    }
+}
+
 void takeRoom(QTextDocument &document)
 {
     if (!hasRoom(document))

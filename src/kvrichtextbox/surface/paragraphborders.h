@@ -12,10 +12,12 @@
 // widens the spacing Qt shows above the box's first paragraph and below its last one. That room
 // is for display only: the spacing the paragraph reports and writes back is the one it was
 // given (kept in its twips properties), and the room itself is kept in RoomProperty so that a
-// later change of spacing keeps it. The room is worked out when a document is read, not after
-// each edit (changing formats there would enter the user's undo history): a paragraph the user
-// splits inside a box gives both halves its room, which shows as a wider gap inside the box
-// until the document is read again; what is drawn and written stays right.
+// later change of spacing keeps it. The room is worked out when a document is read, and again for
+// the paragraphs around an edit the user makes from the keyboard or by pasting or dropping that
+// splits or joins paragraphs near a box, within that edit's undo step (`fitRoomAround`). Other
+// edits (text and formats changed through the control's members) leave the room as it was: a wider or
+// narrower gap inside a box until the document is read again; what is drawn and written stays
+// right.
 //
 // A border that would stand outside the drawing area (a top border above the document's first
 // paragraph, whose spacing above Qt does not show) is drawn at the area's edge.
@@ -27,6 +29,7 @@ class QPainter;
 class QRectF;
 class QTextBlock;
 class QTextBlockFormat;
+class QTextCursor;
 class QTextDocument;
 
 namespace kvrtb::paragraphborders {
@@ -48,6 +51,15 @@ qreal roomBelow(const QTextBlockFormat &format);
 /// no longer needs it. Changes block formats: call it where the change is not an edit of the
 /// user (reading a document). Does nothing, quickly, in a document without paragraph borders.
 void makeRoom(QTextDocument &document);
+
+/// \brief True when a paragraph from the one at \a from to the one at \a to, or one next to
+/// them, has borders or room: an edit there may change which paragraphs start and end boxes.
+bool nearBox(const QTextDocument &document, int from, int to);
+
+/// \brief Gives the paragraph at \a position and its two neighbours the room their places in
+/// their boxes need now, through \a cursor. For use within the edit block of an edit that split
+/// or joined paragraphs there, so that the change is part of that edit's undo step.
+void fitRoomAround(QTextCursor &cursor, int position);
 
 /// \brief True when a paragraph of \a document has room for borders in its spacing.
 bool hasRoom(const QTextDocument &document);

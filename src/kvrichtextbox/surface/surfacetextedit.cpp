@@ -16,6 +16,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
@@ -50,6 +51,25 @@ QMimeData *mimeDataWithoutRoom(const QTextDocument &document, const QTextCursor 
     if (writer.write(fragment))
         data->setData(QStringLiteral("application/vnd.oasis.opendocument.text"), odf.data());
     return data;
+}
+
+// Keys whose edit may split paragraphs or join them: a break, a deletion across a paragraph's
+// edge, and anything typed over a selection of more than one paragraph (pastes and drops are
+// fitted where they go in, in insertFromMimeData).
+bool mayJoinOrSplit(const QKeyEvent &key, const QTextCursor &cursor)
+{
+    if (cursor.hasSelection()) {
+        const QTextDocument *doc = cursor.document();
+        if (doc->findBlock(cursor.selectionStart()) != doc->findBlock(cursor.selectionEnd()))
+            return true;
+    }
+    switch (key.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: return true;
+    case Qt::Key_Backspace: return cursor.atBlockStart() && !cursor.hasSelection();
+    case Qt::Key_Delete: return cursor.atBlockEnd() && !cursor.hasSelection();
+    default: return false;
+    }
 }
 
 int mouseButtonCode(Qt::MouseButtons buttons)
@@ -149,8 +169,26 @@ void SurfaceTextEdit::keyPressEvent(QKeyEvent *event)
             return;
         }
     }
-    QTextEdit::keyPressEvent(key);
+    if (mayJoinOrSplit(*key, textCursor()))
+        editFittingBoxes([this, key] { QTextEdit::keyPressEvent(key); });
+    else
+        QTextEdit::keyPressEvent(key);
     event->setAccepted(key->isAccepted());
+}
+
+void SurfaceTextEdit::editFittingBoxes(const std::function<void()> &edit)
+{
+    const QTextCursor before = textCursor();
+    if (!paragraphborders::nearBox(*document(), before.selectionStart(), before.selectionEnd())) {
+        edit();
+        return;
+    }
+    QTextCursor step(document());
+    step.beginEditBlock();
+    edit();
+    paragraphborders::fitRoomAround(step, std::min(before.selectionStart(), document()->characterCount() - 1));
+    paragraphborders::fitRoomAround(step, textCursor().position());
+    step.endEditBlock();
 }
 
 void SurfaceTextEdit::keyReleaseEvent(QKeyEvent *event)
@@ -246,6 +284,11 @@ void SurfaceTextEdit::insertFromMimeData(const QMimeData *source)
 {
     if (isReadOnly())
         return;
+    editFittingBoxes([this, source] { insertMimeData(source); });
+}
+
+void SurfaceTextEdit::insertMimeData(const QMimeData *source)
+{
     const int room = roomLeft();
     if (room >= 0) {
         // With a length limit, only as much plain text as fits goes in.

@@ -55,6 +55,12 @@ protected:
 private:
     /// How many characters may still be inserted in place of the selection (-1 = no limit).
     int roomLeft() const;
+    /// Inserts \a source in place of the selection: RTF where offered, else as QTextEdit does.
+    void insertMimeData(const QMimeData *source);
+    /// Runs \a edit, which may split or join paragraphs at the selection; near a bordered box, as
+    /// one undo step with the room for borders of the paragraphs it touched fitted to their new
+    /// places in their boxes (paragraphborders.h).
+    void editFittingBoxes(const std::function<void()> &edit);
 
     SurfaceListener *m_listener = nullptr;
     int m_maxLength = 0;

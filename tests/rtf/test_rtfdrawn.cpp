@@ -331,6 +331,7 @@ private slots:
         QTest::keyClick(edit, Qt::Key_Return);
         QCOMPARE(doc.findBlockByNumber(1).text(), QStringLiteral("boxed "));
         QCOMPARE(doc.findBlockByNumber(2).text(), QStringLiteral("one"));
+        QCOMPARE(edit->textCursor().position(), doc.findBlockByNumber(2).position());
         QCOMPARE(margins(1), std::pair(first.first, 0.0));
         QCOMPARE(margins(2), std::pair(0.0, 0.0));
         QVERIFY(boundsOf(doc, 2).top() - boundsOf(doc, 1).bottom() < 1);
@@ -352,18 +353,80 @@ private slots:
         QCOMPARE(margins(3), last);
         QTest::keyClick(edit, Qt::Key_Backspace);
         QCOMPARE(doc.blockCount(), 5);
+        QCOMPARE(edit->textCursor().position(), doc.findBlockByNumber(2).position() + 9); // where they joined
         QCOMPARE(margins(2), last);
         QCOMPARE(rtf::writeRtf(doc), written);
 
-        // Typing over a selection from inside the box to the plain paragraph below it: the
-        // joined paragraph is the box's last and has the room below.
+        // Typing over a selection from the end of the box's first paragraph to the end of its
+        // last: the one paragraph left is both and has the room above and below.
         QTest::keyClick(edit, Qt::Key_Home);
         QTest::keyClick(edit, Qt::Key_Up);
         QTest::keyClick(edit, Qt::Key_End);
         QTest::keyClick(edit, Qt::Key_Down, Qt::ShiftModifier);
         QTest::keyClick(edit, Qt::Key_X);
         QCOMPARE(doc.blockCount(), 4);
+        QCOMPARE(doc.findBlockByNumber(1).text(), QStringLiteral("boxed onex"));
+        QCOMPARE(edit->textCursor().position(), doc.findBlockByNumber(1).position() + 10);
         QCOMPARE(margins(1), std::pair(first.first, last.second));
+        control.SetRTBChanged(false);
+    }
+
+    void aBoxAtTheTopOfTheDocumentHasItsRoomThere()
+    {
+        RecordingPlatformServices services;
+        KvRTB control(services);
+        control.resize(700, 400);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        const QString boxedFirst = QStringLiteral("{\\rtf1\\ansi\\pard\\box\\brdrs\\brdrw30\\brsp80 first\\par\\pard plain\\par}");
+        control.setTextRTF(boxedFirst);
+        auto *edit = control.findChild<QTextEdit *>();
+        const QTextDocument &doc = *edit->document();
+        QApplication::processEvents();
+        // The top line (80 twips out from the text, 2 px wide) stands in room above the text,
+        // below the document's margin, not on the text at the edge.
+        const qreal margin = doc.documentMargin();
+        const QRectF first = boundsOf(doc, 0);
+        QVERIFY2(first.top() >= margin + 7, qPrintable(QString::number(first.top())));
+        const QImage screen = edit->viewport()->grab().toImage();
+        const QList<int> topRule = ruleRows(screen, 40, 400, 0, int(first.top()) + 4);
+        QVERIFY2(!topRule.isEmpty() && topRule.first() >= int(margin) && topRule.last() < first.top() - 4,
+                 qPrintable(QString::number(topRule.value(0, -1))));
+        QVERIFY(!control.TextRTF().contains(QStringLiteral("\\sb")));
+
+        // A break at the very start leaves the room at the top (the new empty paragraph begins
+        // the box), and Backspace puts the document back as it was.
+        edit->setFocus();
+        QTest::keyClick(edit, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(edit->textCursor().position(), 1);
+        QCOMPARE(boundsOf(doc, 0).top(), first.top());
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        QCOMPARE(edit->textCursor().position(), 0);
+        QCOMPARE(boundsOf(doc, 0), first);
+
+        // Printed, the line stands above the text there too, not on it.
+        QTemporaryDir dir;
+        const QString pdf = dir.filePath(QStringLiteral("top.pdf"));
+        control.SelPrint(QVariant(pdf));
+        QProcess raster;
+        raster.start(QStringLiteral("pdftoppm"), {QStringLiteral("-r"), QStringLiteral("100"), QStringLiteral("-singlefile"),
+                                                  QStringLiteral("-png"), pdf, dir.filePath(QStringLiteral("top"))});
+        QVERIFY(raster.waitForFinished(60000) && raster.exitCode() == 0);
+        const QImage page(dir.filePath(QStringLiteral("top.png")));
+        const QList<int> rules = ruleRows(page, page.width() / 3, page.width() / 2, 0, page.height() / 2);
+        QVERIFY(!rules.isEmpty());
+        int ink = rules.first() + 1; // the first row below the top line with dark pixels: the text
+        while (rules.contains(ink))
+            ++ink;
+        // (looked for between the side lines: the text starts an inch in, the left line before it)
+        while (ink < page.height() && inkIn(page, QRect(page.width() / 8, ink, page.width() / 2, 1), dark) == 0)
+            ++ink;
+        QVERIFY2(ink - rules.first() >= 6, qPrintable(QStringLiteral("%1 %2").arg(rules.first()).arg(ink)));
+
+        // Without a box at the top, the document starts at its margin again.
+        control.setTextRTF(QStringLiteral("{\\rtf1\\ansi plain\\par\\pard\\box\\brdrs boxed\\par}"));
+        QCOMPARE(boundsOf(doc, 0).top(), margin);
         control.SetRTBChanged(false);
     }
 

@@ -9,6 +9,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextFrame>
 #include <QTextLayout>
 
 #include <algorithm>
@@ -103,16 +104,20 @@ bool sameBox(const QTextBlockFormat &a, const QTextBlockFormat &b)
            && qFuzzyCompare(1 + std::min<qreal>(0, a.textIndent()), 1 + std::min<qreal>(0, b.textIndent()));
 }
 
+// Whether a paragraph of \a format begins (or ends) a box after \a neighbour (before it).
+bool boxEdge(const QTextBlock &neighbour, const QTextBlockFormat &format)
+{
+    return !neighbour.isValid() || !sameBox(neighbour.blockFormat(), format);
+}
+
 bool firstOfBox(const QTextBlock &block, const QTextBlockFormat &format)
 {
-    const QTextBlock previous = block.previous();
-    return !previous.isValid() || !sameBox(previous.blockFormat(), format);
+    return boxEdge(block.previous(), format);
 }
 
 bool lastOfBox(const QTextBlock &block, const QTextBlockFormat &format)
 {
-    const QTextBlock next = block.next();
-    return !next.isValid() || !sameBox(next.blockFormat(), format);
+    return boxEdge(block.next(), format);
 }
 
 QList<qreal> roomOf(const QTextBlockFormat &format)
@@ -159,8 +164,9 @@ bool bordersOrRoom(const QTextFormat &format)
     return format.isBlockFormat() && (format.hasProperty(rtf::ParagraphBorders) || format.hasProperty(RoomProperty));
 }
 
-// The room \a block's part of its box needs above and below it (pixels).
-QList<qreal> roomNeeded(const QTextBlock &block, const QTextBlockFormat &format)
+// The room a paragraph of \a format between \a previous and \a next needs above and below it
+// for its part of its box (pixels).
+QList<qreal> roomNeeded(const QTextBlockFormat &format, const QTextBlock &previous, const QTextBlock &next)
 {
     const Borders borders = bordersOf(format);
     qreal above = 0;
@@ -169,8 +175,8 @@ QList<qreal> roomNeeded(const QTextBlock &block, const QTextBlockFormat &format)
         const Side &top = borders[rtf::BorderSide::Top];
         const Side &bottom = borders[rtf::BorderSide::Bottom];
         const Side &between = borders[rtf::BorderSide::Between];
-        const bool last = lastOfBox(block, format);
-        if (top.shown && firstOfBox(block, format))
+        const bool last = boxEdge(next, format);
+        if (top.shown && boxEdge(previous, format))
             above = top.space + top.thickness();
         if (bottom.shown && last)
             below = bottom.space + bottom.thickness();
@@ -198,6 +204,22 @@ void giveRoom(QTextCursor &cursor, const QTextBlock &block, const QList<qreal> &
     cursor.setBlockFormat(format);
 }
 
+// The layout shows no spacing above the document's first paragraph: the room for a top border
+// there goes into the top margin of the document's root frame instead, on top of the document's
+// margin (without room, the root frame's top margin is the document's margin again).
+void fitDocumentTop(QTextDocument &document)
+{
+    QTextFrame *root = document.rootFrame();
+    const QTextBlock first = document.begin();
+    const qreal room = QTextCursor(first).currentFrame() == root ? roomAbove(first.blockFormat()) : 0;
+    QTextFrameFormat format = root->frameFormat();
+    const qreal wanted = document.documentMargin() + room;
+    if (qFuzzyCompare(1 + format.topMargin(), 1 + wanted))
+        return;
+    format.setTopMargin(wanted);
+    root->setFrameFormat(format);
+}
+
 } // namespace
 
 bool hasRoom(const QTextDocument &document)
@@ -216,8 +238,9 @@ void makeRoom(QTextDocument &document)
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         const QTextBlockFormat format = block.blockFormat();
         if (bordersOrRoom(format))
-            giveRoom(cursor, block, roomNeeded(block, format));
+            giveRoom(cursor, block, roomNeeded(format, block.previous(), block.next()));
     }
+    fitDocumentTop(document);
 }
 
 bool nearBox(const QTextDocument &document, int from, int to)
@@ -237,8 +260,21 @@ void fitRoomAround(QTextCursor &cursor, int position)
     for (const QTextBlock &near : {block.previous(), block, block.next()}) {
         const QTextBlockFormat format = near.blockFormat();
         if (near.isValid() && bordersOrRoom(format))
-            giveRoom(cursor, near, roomNeeded(near, format));
+            giveRoom(cursor, near, roomNeeded(format, near.previous(), near.next()));
     }
+    if (!block.previous().isValid() || !block.previous().previous().isValid())
+        fitDocumentTop(*cursor.document());
+}
+
+void fitRoomForJoin(QTextCursor &cursor, int from, int to)
+{
+    const QTextDocument *document = cursor.document();
+    const QTextBlock first = document->findBlock(from);
+    const QTextBlock last = document->findBlock(to);
+    const QTextBlockFormat format = first.blockFormat();
+    if (first == last || !bordersOrRoom(format))
+        return;
+    giveRoom(cursor, first, roomNeeded(format, first.previous(), last.next()));
 }
 
 void takeRoom(QTextDocument &document)
@@ -250,6 +286,7 @@ void takeRoom(QTextDocument &document)
         if (block.blockFormat().hasProperty(RoomProperty))
             giveRoom(cursor, block, {0, 0});
     }
+    fitDocumentTop(document);
 }
 
 void paintBlock(QPainter &painter, const QTextBlock &block, const QRectF &bounds, const QRectF &area, qreal scale,

@@ -19,8 +19,10 @@
 // narrower gap inside a box until the document is read again; what is drawn and written stays
 // right.
 //
-// A border that would stand outside the drawing area (a top border above the document's first
-// paragraph, whose spacing above Qt does not show) is drawn at the area's edge.
+// Qt shows no spacing above the document's first paragraph: the room for a top border there is
+// given as the top margin of the document's root frame, on top of the document's margin (and
+// on a printed page, above the body). A border that would still stand outside the drawing area is
+// drawn at the area's edge.
 
 #include <QTextFormat>
 
@@ -60,6 +62,12 @@ bool nearBox(const QTextDocument &document, int from, int to);
 /// their boxes need now, through \a cursor. For use within the edit block of an edit that split
 /// or joined paragraphs there, so that the change is part of that edit's undo step.
 void fitRoomAround(QTextCursor &cursor, int position);
+
+/// \brief Gives the paragraph at \a from the room it will need once an edit has joined it with
+/// the paragraphs up to the one at \a to (the joined paragraph keeps the first one's format),
+/// through \a cursor. For use within the edit's block, before the edit: the step's last change
+/// stays the user's, which is where redoing it leaves the caret.
+void fitRoomForJoin(QTextCursor &cursor, int from, int to);
 
 /// \brief True when a paragraph of \a document has room for borders in its spacing.
 bool hasRoom(const QTextDocument &document);

@@ -129,9 +129,16 @@ QtEditorSurface::QtEditorSurface(QWidget *parent) : QObject(nullptr), m_edit(new
             m_listener->change();
     });
     connect(doc, &QTextDocument::undoCommandAdded, this, [this] {
+        const int steps = document()->availableUndoSteps();
+        if (m_edit->fittingRoom()) {
+            // The room for borders fitted after the edit joined the edit's step, which stays the
+            // last step and the user's edit.
+            m_lastStep.fitted += steps - m_stepsAtLastStepEnd;
+            m_lastStep.end = m_stepsAtLastStepEnd = steps;
+            return;
+        }
         if (!m_undoing)
             m_lastWasUndo = false;
-        const int steps = document()->availableUndoSteps();
         // An edit made below the history point cut off the way back to it.
         if (m_historyPoint >= 0 && steps <= m_historyPoint)
             m_historyPointBroken = true;
@@ -181,9 +188,12 @@ void QtEditorSurface::onContentsChange(int from, int removed, int added)
         markLinesDirty();
         return; // a round trip through the history: the document ends as it was
     }
-    // Undoing a step that only inserted text leaves the caret where the text went in.
-    const bool insertion = ++m_lastStep.changes == 1 && removed == 0 && added > 0;
-    m_lastStep.undoneCaret = insertion ? from : -1;
+    // Undoing a step that only inserted text leaves the caret where the text went in. The room
+    // for borders fitted after the edit is part of the step but not a change of its text.
+    if (!m_edit->fittingRoom()) {
+        const bool insertion = ++m_lastStep.changes == 1 && removed == 0 && added > 0;
+        m_lastStep.undoneCaret = insertion ? from : -1;
+    }
     ++m_revision;
     m_rtfAllowance += rtfGrowthOfChange(*document(), from, added);
     m_modified = true;

@@ -235,6 +235,7 @@ private:
         int end = -1;         ///< undo steps after it
         int changes = 0;      ///< document changes reported since it was added
         int undoneCaret = -1; ///< where undoing it leaves the caret; -1 when not known
+        int fitted = 0;       ///< undo steps of border room fitted after the edit, joined to it
     };
     LastStep m_lastStep;
     int m_stepsAtLastStepEnd = 0; ///< undo steps when the last step was added

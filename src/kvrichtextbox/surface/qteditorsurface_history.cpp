@@ -53,7 +53,7 @@ bool QtEditorSurface::markHistoryPointBeforeLastEdit(std::function<void()> befor
     // count), still on top of the history, and in reach of the one-step undo.
     const int steps = doc->availableUndoSteps();
     if (m_freezeCount > 0 || m_lastWasUndo || !doc->isUndoRedoEnabled() || m_lastStep.undoneCaret < 0 ||
-        m_lastStep.end != steps || m_lastStep.start != steps - 1 || m_lastStep.start < m_undoFloor)
+        m_lastStep.end != steps || m_lastStep.start != steps - 1 - m_lastStep.fitted || m_lastStep.start < m_undoFloor)
         return false;
     forgetHistoryPoint();
     m_historyPoint = m_lastStep.start;

@@ -3,6 +3,7 @@
 
 #include "surface/formatmapping.h"
 #include "surface/drawnformats.h"
+#include "surface/paragraphborders.h"
 #include "surface/qteditorsurface.h"
 #include "surface/rtf/rtfformats.h"
 #include "surface/surfacetextedit.h"
@@ -181,10 +182,12 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
 
     std::unique_ptr<QTextDocument> copy = printableCopy(document(), cursor(), request.selectionOnly);
     QTextFrameFormat rootFormat = copy->rootFrame()->frameFormat();
+    copy->setDocumentMargin(0);
     rootFormat.setMargin(0);
+    // The room a top border of the first paragraph takes stays above it, within the body.
+    rootFormat.setTopMargin(paragraphborders::roomAbove(copy->begin().blockFormat()));
     rootFormat.setPadding(0);
     copy->rootFrame()->setFrameFormat(rootFormat);
-    copy->setDocumentMargin(0);
     if (device->paintEngine() && device->paintEngine()->type() == QPaintEngine::Picture)
         spellOutSmallCaps(copy.get());
 

@@ -53,23 +53,42 @@ QMimeData *mimeDataWithoutRoom(const QTextDocument &document, const QTextCursor 
     return data;
 }
 
-// Keys whose edit may split paragraphs or join them: a break, a deletion across a paragraph's
-// edge, and anything typed over a selection of more than one paragraph (pastes and drops are
-// fitted where they go in, in insertFromMimeData).
-bool mayJoinOrSplit(const QKeyEvent &key, const QTextCursor &cursor)
+// What the edit a key makes at \a cursor may do to the paragraphs there: split one (a break) or
+// join the ones from `joinFrom` to `joinTo` into one (a deletion across a paragraph's edge,
+// anything typed over a selection of more than one paragraph). Pastes and drops are fitted where
+// they go in (insertFromMimeData).
+struct Reshaping {
+    bool splits = false;
+    int joinFrom = -1;
+    int joinTo = -1;
+
+    bool any() const { return splits || joinFrom >= 0; }
+};
+
+Reshaping reshapingOf(const QKeyEvent &key, const QTextCursor &cursor)
 {
+    Reshaping reshaping;
+    const QTextDocument *doc = cursor.document();
     if (cursor.hasSelection()) {
-        const QTextDocument *doc = cursor.document();
         if (doc->findBlock(cursor.selectionStart()) != doc->findBlock(cursor.selectionEnd()))
-            return true;
+            reshaping = {false, cursor.selectionStart(), cursor.selectionEnd()};
+        return reshaping;
     }
+    const int at = cursor.position();
     switch (key.key()) {
     case Qt::Key_Return:
-    case Qt::Key_Enter: return true;
-    case Qt::Key_Backspace: return cursor.atBlockStart() && !cursor.hasSelection();
-    case Qt::Key_Delete: return cursor.atBlockEnd() && !cursor.hasSelection();
-    default: return false;
+    case Qt::Key_Enter: reshaping.splits = true; break;
+    case Qt::Key_Backspace:
+        if (cursor.atBlockStart() && at > 0)
+            reshaping = {false, at - 1, at};
+        break;
+    case Qt::Key_Delete:
+        if (cursor.atBlockEnd() && at < doc->characterCount() - 1)
+            reshaping = {false, at, at + 1};
+        break;
+    default: break;
     }
+    return reshaping;
 }
 
 int mouseButtonCode(Qt::MouseButtons buttons)
@@ -169,26 +188,47 @@ void SurfaceTextEdit::keyPressEvent(QKeyEvent *event)
             return;
         }
     }
-    if (mayJoinOrSplit(*key, textCursor()))
-        editFittingBoxes([this, key] { QTextEdit::keyPressEvent(key); });
+    const Reshaping reshaping = reshapingOf(*key, textCursor());
+    if (reshaping.any())
+        editFittingBoxes([this, key] { QTextEdit::keyPressEvent(key); }, reshaping.joinFrom, reshaping.joinTo);
     else
         QTextEdit::keyPressEvent(key);
     event->setAccepted(key->isAccepted());
 }
 
-void SurfaceTextEdit::editFittingBoxes(const std::function<void()> &edit)
+void SurfaceTextEdit::editFittingBoxes(const std::function<void()> &edit, int joinFrom, int joinTo)
 {
+    QTextDocument *doc = document();
     const QTextCursor before = textCursor();
-    if (!paragraphborders::nearBox(*document(), before.selectionStart(), before.selectionEnd())) {
+    const int from = joinFrom >= 0 ? joinFrom : before.selectionStart();
+    const int to = joinFrom >= 0 ? joinTo : before.selectionEnd();
+    if (!paragraphborders::nearBox(*doc, from, to)) {
         edit();
         return;
     }
-    QTextCursor step(document());
-    step.beginEditBlock();
-    edit();
-    paragraphborders::fitRoomAround(step, std::min(before.selectionStart(), document()->characterCount() - 1));
-    paragraphborders::fitRoomAround(step, textCursor().position());
-    step.endEditBlock();
+    const int revision = doc->revision();
+    if (doc->findBlock(from) != doc->findBlock(to)) {
+        // The paragraph the join keeps gets its room first, in the edit's undo step: the step's
+        // last change stays the user's, and redoing the step leaves the caret where it left it.
+        QTextCursor step(doc);
+        step.beginEditBlock();
+        paragraphborders::fitRoomForJoin(step, from, to);
+        edit();
+        step.endEditBlock();
+    } else {
+        edit();
+    }
+    if (doc->revision() == revision)
+        return; // the edit changed nothing
+    // What is left to fit (the halves of a split paragraph, the edges of a paste) joins the edit's
+    // undo step; the surface does not count it as a change of the step's text (fittingRoom()).
+    m_fittingRoom = true;
+    QTextCursor after(doc);
+    after.joinPreviousEditBlock();
+    paragraphborders::fitRoomAround(after, std::min(from, doc->characterCount() - 1));
+    paragraphborders::fitRoomAround(after, textCursor().position());
+    after.endEditBlock();
+    m_fittingRoom = false;
 }
 
 void SurfaceTextEdit::keyReleaseEvent(QKeyEvent *event)

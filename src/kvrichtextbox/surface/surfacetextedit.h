@@ -28,6 +28,11 @@ public:
     void setMisspeltStretch(MisspeltStretch query) { m_misspeltStretch = std::move(query); }
     const MisspeltStretch &misspeltStretch() const { return m_misspeltStretch; }
 
+    /// True while the room for paragraph borders is fitted after an edit, within that edit's
+    /// undo step: the document's changes then are not the user's text (the surface's record of
+    /// the last step leaves them out).
+    bool fittingRoom() const { return m_fittingRoom; }
+
 signals:
     /// Emitted when the viewport's width changes (lines re-wrap).
     void viewportResized();
@@ -57,12 +62,13 @@ private:
     int roomLeft() const;
     /// Inserts \a source in place of the selection: RTF where offered, else as QTextEdit does.
     void insertMimeData(const QMimeData *source);
-    /// Runs \a edit, which may split or join paragraphs at the selection; near a bordered box, as
-    /// one undo step with the room for borders of the paragraphs it touched fitted to their new
-    /// places in their boxes (paragraphborders.h).
-    void editFittingBoxes(const std::function<void()> &edit);
+    /// Runs \a edit, which may split or join paragraphs at the selection (or join the ones from
+    /// \a joinFrom to \a joinTo); near a bordered box, as one undo step with the room for borders
+    /// of the paragraphs it touched fitted to their new places in their boxes (paragraphborders.h).
+    void editFittingBoxes(const std::function<void()> &edit, int joinFrom = -1, int joinTo = -1);
 
     SurfaceListener *m_listener = nullptr;
+    bool m_fittingRoom = false;
     int m_maxLength = 0;
     MisspeltStretch m_misspeltStretch;
 };

@@ -106,12 +106,22 @@ struct CellLook {
                 continue;
             const qreal width = format::twipsToPixels(border.width);
             const auto style = QTextFrameFormat::BorderStyle(border.style);
+            switch (side) {
+            case SideTop: qt.setTopBorder(width); qt.setTopBorderStyle(style); break;
+            case SideLeft: qt.setLeftBorder(width); qt.setLeftBorderStyle(style); break;
+            case SideBottom: qt.setBottomBorder(width); qt.setBottomBorderStyle(style); break;
+            default: qt.setRightBorder(width); qt.setRightBorderStyle(style); break;
+            }
+            // A cell's border without a brush is drawn black: black ones go without (each
+            // property of a cell's format costs time in every cell that has it).
+            if (border.colour == QColor(Qt::black))
+                continue;
             const QBrush brush(border.colour);
             switch (side) {
-            case SideTop: qt.setTopBorder(width); qt.setTopBorderStyle(style); qt.setTopBorderBrush(brush); break;
-            case SideLeft: qt.setLeftBorder(width); qt.setLeftBorderStyle(style); qt.setLeftBorderBrush(brush); break;
-            case SideBottom: qt.setBottomBorder(width); qt.setBottomBorderStyle(style); qt.setBottomBorderBrush(brush); break;
-            default: qt.setRightBorder(width); qt.setRightBorderStyle(style); qt.setRightBorderBrush(brush); break;
+            case SideTop: qt.setTopBorderBrush(brush); break;
+            case SideLeft: qt.setLeftBorderBrush(brush); break;
+            case SideBottom: qt.setBottomBorderBrush(brush); break;
+            default: qt.setRightBorderBrush(brush); break;
             }
         }
         if (background.isValid())

@@ -351,8 +351,10 @@ void Reader::applyTableLayout(TableBuild &build)
             // Cells past the definition have the properties of its last cell.
             const CellDef properties = def.cells.empty() ? CellDef() : def.cells[std::min(size_t(i), def.cells.size() - 1)];
             const CellLook look = lookOf(def, properties, r, i, cellCount, down);
-            const auto known = lookIndex.constFind(look);
-            if (known != lookIndex.cend()) {
+            // Neighbouring cells mostly look alike: the last cell's look is tried first.
+            if (!cells.empty() && looks[size_t(cells.back().look)] == look) {
+                plan.look = cells.back().look;
+            } else if (const auto known = lookIndex.constFind(look); known != lookIndex.cend()) {
                 plan.look = *known;
             } else {
                 plan.look = int(looks.size());

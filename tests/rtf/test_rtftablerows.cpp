@@ -1,6 +1,8 @@
 // Table rows as read from RTF: heights, a left edge left of the margin, and long tables whose
 // rows have different numbers of cells, each cell's text in its own cell.
 
+#include "control/kvrtb.h"
+#include "core/recordingplatformservices.h"
 #include "rtftesthelpers.h"
 #include "testregistry.h"
 #include "surface/formatmapping.h"
@@ -86,6 +88,30 @@ private slots:
         QCOMPARE(wild.toPlainText(), QStringLiteral("\np\nq\n\nr\n"));
         QVERIFY2(wildOut.contains("\\trowd\\trleft-31680\\trrh31680\\"), wildOut.constData());
         QVERIFY(wildOut.contains("\\trrh-31680\\"));
+    }
+
+    void editedInTheControlTheRowsKeepTheirDefinitions()
+    {
+        // A user opens the document in the control, types before the table and saves: the row
+        // heights and the left edge are still there, and so is every character.
+        RecordingPlatformServices services;
+        KvRTB control(services);
+        control.resize(500, 300);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        control.setTextRTF(QString::fromLatin1(
+            "{\\rtf1\\ansi\\pard Before\\par\\trowd\\trleft-108\\trrh400\\cellx2000\\cellx4000\\pard\\intbl a\\cell b\\cell"
+            "\\row\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000\\pard\\intbl c\\cell d\\cell\\row\\pard after\\par}"));
+        QWidget *editor = control.RichTextBox1().widget();
+        editor->setFocus();
+        QTest::keyClick(editor, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("Typed "));
+        const QString saved = control.TextRTF();
+        QVERIFY2(saved.contains(QLatin1String("\\trowd\\trleft-108\\trrh400\\cellx2000\\cellx4000")), qPrintable(saved));
+        QVERIFY(saved.contains(QLatin1String("\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000")));
+        QTextDocument back;
+        QVERIFY(rtf::readRtf(back, saved.toLatin1()).ok);
+        QCOMPARE(back.toPlainText(), QStringLiteral("Typed Before\na\nb\nc\nd\nafter"));
     }
 
     void sharedBordersAreDrawnAtAnyWidth()

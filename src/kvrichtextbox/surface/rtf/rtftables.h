@@ -11,7 +11,9 @@
 //
 // Borders, shading, padding and vertical alignment are kept per cell in the cell's format
 // (QTextTableCellFormat); the table itself draws no border of its own (border collapse, width
-// 0), so a table whose source gives no borders is shown without lines.
+// 0), so a table whose source gives no borders is shown without lines. The exception: when
+// every cell has the same border of a pixel or more on all sides and nothing else, the table
+// gives it to all of them. Row heights are kept on the cells (TableRowHeight) but not drawn.
 
 #include <QTextFormat>
 

@@ -4,6 +4,9 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <future>
+
 namespace kvrtb {
 
 ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules)
@@ -36,38 +39,74 @@ ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules, Mat
     }
 }
 
+namespace {
+
+/// The matches of one pass's pattern through the pattern engine; an invalid pattern gives none
+/// and a line in \a warnings.
+QList<ColouringEngine::Match> findByPattern(const QString &subject, const ColouringEngine::Pass &pass,
+                                            QStringList &warnings)
+{
+    QList<ColouringEngine::Match> matches;
+    const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
+    if (!pattern.isValid()) {
+        warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
+                        .arg(pass.name, pattern.errorString())
+                        .arg(pattern.patternErrorOffset());
+        return matches;
+    }
+    // A pattern that backtracks without end stops at the engine's match limit and counts as no
+    // further match.
+    QRegularExpressionMatchIterator it = pattern.globalMatch(subject);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch match = it.next();
+        matches.append({int(match.capturedStart()), int(match.capturedLength())});
+    }
+    return matches;
+}
+
+} // namespace
+
 ColouringEngine::Matches ColouringEngine::collect(const QString &subject, const Rules &rules)
 {
-    Matches found;
-    std::optional<bool> scannable; // whether the text suits the keyword scanner, once asked
+    // A list of words is found by splitting the text into words, with the same result as the
+    // pattern engine's and much sooner; the other patterns go through the engine.
+    std::array<std::optional<KeywordScanner>, kRoleCount> scanners;
+    std::optional<bool> scannable; // whether the text suits the scanner, once asked
+    QList<int> byEngine;
     for (int role = 0; role < kRoleCount; ++role) {
         const Pass &pass = rules.passes[size_t(role)];
         if (pass.pattern.isEmpty())
             continue;
-        // A list of words is found by splitting the text into words, with the same result.
-        if (const std::optional<KeywordScanner> scanner = KeywordScanner::fromPattern(pass.pattern)) {
-            if (!scannable)
-                scannable = KeywordScanner::canScan(subject);
-            if (*scannable) {
-                found.byRole[size_t(role)] = scanner->matches(subject);
-                continue;
-            }
+        scanners[size_t(role)] = KeywordScanner::fromPattern(pass.pattern);
+        if (scanners[size_t(role)] && !scannable)
+            scannable = KeywordScanner::canScan(subject);
+        if (!scanners[size_t(role)] || !*scannable) {
+            scanners[size_t(role)].reset();
+            byEngine.append(role);
         }
-        const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
-        if (!pattern.isValid()) {
-            found.warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
-                                  .arg(pass.name, pattern.errorString())
-                                  .arg(pattern.patternErrorOffset());
-            continue;
-        }
-        // A pattern that backtracks without end stops at the engine's match limit and counts as
-        // no further match.
-        QList<Match> &matches = found.byRole[size_t(role)];
-        QRegularExpressionMatchIterator it = pattern.globalMatch(subject);
-        while (it.hasNext()) {
-            const QRegularExpressionMatch match = it.next();
-            matches.append({int(match.capturedStart()), int(match.capturedLength())});
-        }
+    }
+    const auto findByEngine = [&subject, &rules, &byEngine] {
+        Matches found;
+        for (const int role : byEngine)
+            found.byRole[size_t(role)] = findByPattern(subject, rules.passes[size_t(role)], found.warnings);
+        return found;
+    };
+    // With both kinds, the engine's share runs on another thread while the scanner works here.
+    const bool both = !byEngine.isEmpty()
+                      && std::any_of(scanners.begin(), scanners.end(), [](const auto &s) { return s.has_value(); });
+    std::future<Matches> engineShare;
+    if (both)
+        engineShare = std::async(std::launch::async, findByEngine);
+    Matches found = both ? Matches() : findByEngine();
+    for (int role = 0; role < kRoleCount; ++role) {
+        if (scanners[size_t(role)])
+            found.byRole[size_t(role)] = scanners[size_t(role)]->matches(subject);
+    }
+    if (both) {
+        Matches engine = engineShare.get();
+        for (const int role : byEngine)
+            found.byRole[size_t(role)] = std::move(engine.byRole[size_t(role)]);
+        found.warnings = std::move(engine.warnings);
     }
     return found;
 }

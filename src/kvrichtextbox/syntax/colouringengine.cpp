@@ -138,8 +138,7 @@ void ColouringEngine::handle(int role, const Match &match)
         paint(match, comment);
         if (m_rules.capitalise && match.length >= 3
             && QStringView(m_text).mid(match.start, 3).compare(QLatin1String("REM"), Qt::CaseInsensitive) == 0)
-            m_text.replace(match.start, match.length,
-                           KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
+            rewrite(match, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
         break;
     case StringRole:
         if (hasColour(match, comment))
@@ -185,16 +184,24 @@ bool ColouringEngine::isProtected(const Match &match) const
 
 void ColouringEngine::paint(const Match &match, Colour colour)
 {
+    m_painted.push_back(match);
     std::fill(m_colour.begin() + match.start, m_colour.begin() + match.start + match.length, colour);
+}
+
+void ColouringEngine::rewrite(const Match &match, const QString &text)
+{
+    m_rewritten.push_back(match);
+    m_text.replace(match.start, match.length, text);
 }
 
 void ColouringEngine::makeCanonical(const Match &match)
 {
     // The list is "|Word|Word|...|": a matched word is an entry when "|word|" occurs in it.
-    const QString matched = m_original.mid(match.start, match.length);
+    // Looked up without a copy: almost every keyword is already written canonically.
+    const QString matched = QString::fromRawData(m_original.constData() + match.start, match.length);
     if (m_canonicalExact.contains(matched))
         return;
-    m_text.replace(match.start, match.length, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
+    rewrite(match, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
     const auto canonical = m_canonicalByLowerCase.constFind(matched.toLower());
     if (canonical == m_canonicalByLowerCase.constEnd())
         return;
@@ -205,19 +212,39 @@ void ColouringEngine::makeCanonical(const Match &match)
     }
 }
 
+namespace {
+
+/// \a ranges sorted, with overlapping and adjacent ones joined.
+std::vector<ColouringEngine::Match> joined(std::vector<ColouringEngine::Match> ranges)
+{
+    std::sort(ranges.begin(), ranges.end(), [](const auto &a, const auto &b) { return a.start < b.start; });
+    std::vector<ColouringEngine::Match> result;
+    for (const ColouringEngine::Match &range : ranges) {
+        if (!result.empty() && range.start <= result.back().start + result.back().length)
+            result.back().length = std::max(result.back().length, range.start + range.length - result.back().start);
+        else
+            result.push_back(range);
+    }
+    return result;
+}
+
+} // namespace
+
 QList<EditorSurface::ColourRun> ColouringEngine::colourRuns(int offset) const
 {
     QList<EditorSurface::ColourRun> runs;
-    const int size = int(m_colour.size());
-    int i = 0;
-    while (i < size) {
-        const Colour colour = m_colour[size_t(i)];
-        int end = i + 1;
-        while (end < size && m_colour[size_t(end)] == colour)
-            ++end;
-        if (colour != 0)
-            runs.append({offset + i, end - i, colour});
-        i = end;
+    for (const Match &range : joined(m_painted)) {
+        const int size = range.start + range.length;
+        int i = range.start;
+        while (i < size) {
+            const Colour colour = m_colour[size_t(i)];
+            int end = i + 1;
+            while (end < size && m_colour[size_t(end)] == colour)
+                ++end;
+            if (colour != 0)
+                runs.append({offset + i, end - i, colour});
+            i = end;
+        }
     }
     return runs;
 }
@@ -225,18 +252,20 @@ QList<EditorSurface::ColourRun> ColouringEngine::colourRuns(int offset) const
 QList<EditorSurface::TextRewrite> ColouringEngine::rewrites(int offset) const
 {
     QList<EditorSurface::TextRewrite> result;
-    const int size = int(m_text.size());
-    int i = 0;
-    while (i < size) {
-        if (m_text.at(i) == m_original.at(i)) {
-            ++i;
-            continue;
+    for (const Match &range : joined(m_rewritten)) {
+        const int size = range.start + range.length;
+        int i = range.start;
+        while (i < size) {
+            if (m_text.at(i) == m_original.at(i)) {
+                ++i;
+                continue;
+            }
+            int end = i + 1;
+            while (end < size && m_text.at(end) != m_original.at(end))
+                ++end;
+            result.append({offset + i, m_text.mid(i, end - i)});
+            i = end;
         }
-        int end = i + 1;
-        while (end < size && m_text.at(end) != m_original.at(end))
-            ++end;
-        result.append({offset + i, m_text.mid(i, end - i)});
-        i = end;
     }
     return result;
 }

@@ -8,6 +8,10 @@ if(KVRTB_BUILD_FUZZ)
   add_executable(fuzz_rtfreader ${CMAKE_CURRENT_LIST_DIR}/fuzz/fuzz_rtfreader.cpp ${KVRTB_RTF_FUZZ_SOURCES}
     ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/surface/formatmapping.cpp
     ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/surface/listmarkers.cpp
+    ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/surface/drawnformats.cpp
+    ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/surface/lettershadows.cpp
+    ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/surface/paragraphborders.cpp
+    ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/surface/tableaders.cpp
     ${CMAKE_SOURCE_DIR}/src/kvrichtextbox/core/colour.cpp)
   target_include_directories(fuzz_rtfreader PRIVATE ${CMAKE_SOURCE_DIR}/src/kvrichtextbox)
   target_compile_options(fuzz_rtfreader PRIVATE -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=undefined)

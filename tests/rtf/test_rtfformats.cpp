@@ -314,6 +314,7 @@ void TestRtfFormats::libreOfficeReadsWhatWeWrite()
         "{\\stylesheet{\\s0 Normal;}{\\s1\\b\\fs32 Heading;}}"
         "\\pard\\s1\\box\\brdrs\\brdrw10\\brsp40\\cbpat2 {\\*\\bkmkstart part}Boxed{\\*\\bkmkend part} heading\\par"
         "\\pard\\tqr\\tldot\\tx6000\\tqc\\tx3000\\tqdec\\tx4500 left\\tab centre\\tab 1.5\\tab right\\par"
+        "\\pard\\brdrb\\brdrdb\\brdrw15\\brsp60 ruled\\par\\pard\\tlhyph\\tx2000\\tlul\\tx4000 a\\tab b\\tab c\\par"
         "\\pard {\\caps capitals} {\\scaps small} {\\outl outline} {\\shad shadow} {\\expndtw40 spaced}\\par"
         "\\pard Page {\\field{\\*\\fldinst PAGE}{\\fldrslt 1}} of {\\field{\\*\\fldinst NUMPAGES}{\\fldrslt 1}}, "
         "{\\field{\\*\\fldinst HYPERLINK \\\\l \"part\"}{\\fldrslt back}}\\par");
@@ -348,6 +349,8 @@ void TestRtfFormats::libreOfficeReadsWhatWeWrite()
         QStringLiteral(R"(style:print-orientation="landscape")"),
         QStringLiteral(R"(style:type="right"[^>]*style:leader-style="dotted")"), QStringLiteral(R"(style:type="center")"),
         QStringLiteral(R"(style:type="char")"), QStringLiteral(R"(fo:border="[^n"][^"]*")"),
+        QStringLiteral(R"(fo:padding="[^"]+")"), QStringLiteral(R"(fo:border-bottom="[^"]*double[^"]*")"),
+        QStringLiteral(R"(style:leader-text="-")"), QStringLiteral(R"(style:leader-text="_")"),
         QStringLiteral(R"(fo:background-color="#0000ff")"), QStringLiteral(R"(fo:text-transform="uppercase")"),
         QStringLiteral(R"(fo:font-variant="small-caps")"), QStringLiteral(R"(style:text-outline="true")"),
         QStringLiteral(R"(fo:text-shadow="[^n"][^"]*")"), QStringLiteral(R"(fo:letter-spacing="[^n"][^"]*")"),

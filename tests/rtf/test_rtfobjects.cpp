@@ -32,6 +32,39 @@ class TestRtfObjects : public QObject {
     Q_OBJECT
 
 private slots:
+    void anObjectInAPictureFramesTextBoxKeepsItsData()
+    {
+        // A picture frame shows its picture; the object that picture shows (class and data) is
+        // in the frame's text box, and again in the result for readers that do not know shapes.
+        const QByteArray picture = "{\\pict\\pngblip\\picw2\\pich2 " + pngHex() + "}";
+        const QByteArray object = "{\\object\\objemb\\objw3150\\objh1575{\\*\\objclass Word.Picture.8}{\\*\\objdata 0a0b0c}";
+        const QByteArray textBox = "{\\shptxt \\pard\\plain {\\pard\\plain " + object + "{\\result {" + picture + "}}}\\par}}";
+        const auto frame = [&](const QByteArray &box) {
+            return "{\\rtf1\\ansi before {\\shp{\\*\\shpinst{\\sp{\\sn shapeType}{\\sv 75}}{\\sp{\\sn pib}{\\sv " + picture
+                   + "}}" + box + "}{\\shprslt{\\*\\do\\dptxbx{\\dptxbxtext\\pard " + object + "{\\result " + picture
+                   + "}}\\par}}}} after\\par}";
+        };
+        QTextDocument doc;
+        QVERIFY(rtf::readRtf(doc, frame(textBox)).ok);
+        QCOMPARE(doc.toPlainText(), QStringLiteral("before \ufffc after"));
+        const QByteArray written = rtf::writeRtf(doc);
+        QCOMPARE(written.count(object), 1);
+        QVERIFY(written.contains(object + "{\\result{\\pict\\pngblip"));
+        QTextDocument back;
+        QVERIFY(rtf::readRtf(back, written).ok);
+        QCOMPARE(back.toPlainText(), doc.toPlainText());
+        QCOMPARE(rtf::writeRtf(back), written);
+
+        // A frame whose text box holds no object, or an object cut short, keeps the picture alone.
+        for (const QByteArray &box : {QByteArray("{\\shptxt \\pard caption\\par}"), "{\\shptxt " + object + "}",
+                                      QByteArray("{\\shptxt {\\object\\bin3 {{{{\\result x}}}")}) {
+            QTextDocument plain;
+            QVERIFY(rtf::readRtf(plain, frame(box)).ok);
+            QCOMPARE(plain.toPlainText(), QStringLiteral("before \ufffc after"));
+            QVERIFY(!rtf::writeRtf(plain).contains("\\object"));
+        }
+    }
+
     void objectDataIsWrittenBackAroundWhatItShows()
     {
         const QByteArray pictureObject = "{\\object\\objemb\\objw1200\\objh600{\\*\\objclass Paint.Picture}"

@@ -1,6 +1,7 @@
 #include "surface/formatmapping.h"
 
 #include "surface/listmarkers.h"
+#include "surface/paragraphborders.h"
 
 #include "surface/qteditorsurface_p.h"
 
@@ -425,13 +426,14 @@ void applyParaFieldsFrom(QTextBlockFormat &qt, const ParaFormat &change, const Q
         qt.setProperty(RightIndent, *change.rightIndent);
         qt.setRightMargin(twipsToPixels(*change.rightIndent));
     }
+    // The spacing Qt shows keeps the room a bordered paragraph has for its borders.
     if (change.spaceBefore) {
         qt.setProperty(SpaceBefore, *change.spaceBefore);
-        qt.setTopMargin(twipsToPixels(*change.spaceBefore));
+        qt.setTopMargin(twipsToPixels(*change.spaceBefore) + paragraphborders::roomAbove(current));
     }
     if (change.spaceAfter) {
         qt.setProperty(SpaceAfter, *change.spaceAfter);
-        qt.setBottomMargin(twipsToPixels(*change.spaceAfter));
+        qt.setBottomMargin(twipsToPixels(*change.spaceAfter) + paragraphborders::roomBelow(current));
     }
     if (change.tabStops) {
         qt.setProperty(TabStops, QVariant::fromValue(*change.tabStops));

@@ -1,5 +1,6 @@
 #include "surface/listmarkers.h"
 
+#include "surface/drawnformats.h"
 #include "surface/formatmapping.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -131,31 +132,20 @@ QString markerText(const QTextBlock &block)
 
 void paint(QPainter &painter, const QTextDocument &document, const QRectF &clip, const QColor &textColour)
 {
-    QAbstractTextDocumentLayout *layout = document.documentLayout();
-    // The first paragraph that reaches the clip, then every paragraph down to its bottom.
-    const int position = layout->hitTest(QPointF(clip.left(), clip.top()), Qt::FuzzyHit);
-    QTextBlock block = document.findBlock(std::max(0, position));
-    // A paragraph that starts above the clip may still reach into it: step back over it.
-    while (block.isValid() && block.previous().isValid()
-           && layout->blockBoundingRect(block).top() > clip.top())
-        block = block.previous();
-    for (; block.isValid(); block = block.next()) {
-        const QRectF bounds = layout->blockBoundingRect(block);
-        if (bounds.top() > clip.bottom())
-            break;
+    drawnformats::forEachBlockIn(document, clip, [&](const QTextBlock &block, const QRectF &bounds) {
         const QTextBlockFormat blockFormat = block.blockFormat();
-        if (!block.textList() || !isDrawnBySurface(blockFormat) || !block.isVisible())
-            continue;
+        if (!block.textList() || !isDrawnBySurface(blockFormat))
+            return;
         const QTextLayout *textLayout = block.layout();
         if (!textLayout || textLayout->lineCount() == 0)
-            continue;
+            return;
         const QString marker = markerText(block);
         if (marker.isEmpty())
-            continue;
+            return;
         const QTextLine line = textLayout->lineAt(0);
         const QRectF lineRect = line.naturalTextRect().translated(bounds.topLeft());
         if (lineRect.bottom() < clip.top())
-            continue;
+            return;
         const QFont font(markerFont(block, document), painter.device());
         const QFontMetricsF metrics(font);
         const qreal width = metrics.horizontalAdvance(marker);
@@ -183,7 +173,7 @@ void paint(QPainter &painter, const QTextDocument &document, const QRectF &clip,
         painter.setPen(markerColour(block, textColour));
         painter.drawText(QPointF(x, baseline), marker);
         painter.restore();
-    }
+    });
 }
 
 } // namespace kvrtb::listmarkers

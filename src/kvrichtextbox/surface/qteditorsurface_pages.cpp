@@ -2,7 +2,7 @@
 // queries the ruler draws from.
 
 #include "surface/formatmapping.h"
-#include "surface/listmarkers.h"
+#include "surface/drawnformats.h"
 #include "surface/qteditorsurface.h"
 #include "surface/rtf/rtfformats.h"
 #include "surface/surfacetextedit.h"
@@ -161,8 +161,13 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
         // show them twice to search and copy).
         context.clip = view.adjusted(0, 1, 0, -1);
         context.palette.setColor(QPalette::Text, Qt::black);
+        drawnformats::paintUnderText(painter, *copy, context.clip);
         textLayout->draw(&painter, context);
-        listmarkers::paint(painter, *copy, context.clip, Qt::black);
+        // Borders may stand in the page's margins, as the left and right ones of a paragraph
+        // without indents do.
+        const QRectF sheet(-body.left(), view.top() - body.top(), paper.width(), paper.height());
+        painter.setClipRect(sheet);
+        drawnformats::paintOverText(painter, *copy, context.clip, sheet, Qt::black);
         painter.restore();
         if (request.decorate)
             request.decorate(painter, PageFrame{page, pageCount, paper, body});

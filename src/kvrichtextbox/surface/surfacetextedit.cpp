@@ -1,6 +1,6 @@
 #include "surface/surfacetextedit.h"
 
-#include "surface/listmarkers.h"
+#include "surface/drawnformats.h"
 
 #include "core/editorsurface.h"
 #include "core/virtualkeys.h"
@@ -241,13 +241,21 @@ void SurfaceTextEdit::insertFromMimeData(const QMimeData *source)
 
 void SurfaceTextEdit::paintEvent(QPaintEvent *event)
 {
+    const QPointF offset(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+    const QRectF area = QRectF(event->rect()).translated(-offset);
+    {
+        // Under the text: the viewport's background is already filled.
+        QPainter painter(viewport());
+        painter.translate(offset);
+        painter.setClipRect(area);
+        drawnformats::paintUnderText(painter, *document(), area);
+    }
     QTextEdit::paintEvent(event);
     QPainter painter(viewport());
-    const QPointF offset(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
     painter.translate(offset);
-    const QRectF area = QRectF(event->rect()).translated(-offset);
     painter.setClipRect(area);
-    listmarkers::paint(painter, *document(), area, palette().color(QPalette::Text));
+    drawnformats::paintOverText(painter, *document(), area, QRectF(QPointF(0, 0), document()->size()),
+                                palette().color(QPalette::Text));
 }
 
 void SurfaceTextEdit::changeEvent(QEvent *event)

@@ -7,7 +7,7 @@
 // What the editor shows of them: tab alignments (right, centre, decimal) and paragraph shading
 // are shown by Qt; capitals and small capitals are shown as such while the text keeps the
 // letters as typed; outlined letters are drawn with an outline; letter spacing is shown. Tab
-// leaders, paragraph borders and shadowed letters are kept but not drawn.
+// leaders, paragraph borders and shadowed letters are drawn by the surface (drawnformats.h).
 
 #include "core/colour.h"
 

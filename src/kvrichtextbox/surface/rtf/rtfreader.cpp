@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader.h"
 
+#include "surface/paragraphborders.h"
 #include "surface/rtf/rtfreader_p.h"
 
 #include <QTextBlock>
@@ -21,6 +22,7 @@ void readInto(QTextDocument &document, const QByteArray &rtf, bool endsDocument)
     editBlock.beginEditBlock(); // one layout pass at the end, as setHtml does
     detail::Reader reader(document, cursor, endsDocument);
     reader.run(rtf);
+    paragraphborders::makeRoom(document);
     editBlock.endEditBlock();
 }
 

@@ -1,5 +1,6 @@
 #include "surface/rtf/rtfreader_p.h"
 
+#include "surface/rtf/rtfkept.h"
 #include "surface/rtf/rtflisttable.h"
 #include "surface/rtf/rtfnotes.h"
 #include "surface/rtf/rtfpicture.h"
@@ -11,6 +12,8 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <cctype>
+#include <cstring>
 #include <optional>
 
 namespace kvrtb::rtf::detail {
@@ -295,6 +298,66 @@ void Reader::insertPicture(const PictureBuild &picture)
     m_lastWasPar = false;
 }
 
+namespace {
+
+// The start of the first embedded object in the group whose contents run from \a p: its bytes
+// up to its result ("{\object...{\*\objdata ...}"), as the object is kept; empty when the group
+// holds no object with a result, or binary data that a byte scan cannot step over.
+QByteArray objectBeforeResultIn(const char *p, const char *end)
+{
+    static const QByteArray object = "{\\object";
+    static const QByteArray result = "{\\result";
+    const auto wordAt = [end](const char *at, const QByteArray &word) {
+        return end - at > word.size() && std::memcmp(at, word.constData(), size_t(word.size())) == 0
+               && !std::isalpha(static_cast<unsigned char>(at[word.size()]));
+    };
+    int depth = 1;
+    int objectDepth = -1;
+    const char *objectStart = nullptr;
+    for (; p < end; ++p) {
+        if (*p == '\\') {
+            if (end - p > 3 && std::memcmp(p + 1, "bin", 3) == 0)
+                return QByteArray();
+            ++p;
+        } else if (*p == '{') {
+            if (!objectStart && wordAt(p, object)) {
+                objectStart = p;
+                objectDepth = depth;
+            } else if (objectStart && depth == objectDepth + 1 && wordAt(p, result)) {
+                return QByteArray(objectStart, qsizetype(p - objectStart));
+            }
+            ++depth;
+        } else if (*p == '}') {
+            if (--depth == 0 || (objectStart && depth == objectDepth))
+                return QByteArray();
+        }
+    }
+    return QByteArray();
+}
+
+} // namespace
+
+void Reader::keepObjectOfPictureFrame()
+{
+    // A picture frame shows its picture, and its text box is not read. Word processors put the
+    // embedded object the picture shows in that text box: its class and data go with the
+    // picture shown, so that writing the picture writes the object around it.
+    const int at = m_cursor.position() - 1;
+    if (at < m_shapePictureAt || m_doc.characterAt(at) != QChar::ObjectReplacementCharacter)
+        return;
+    const QByteArray kept = objectBeforeResultIn(m_p, m_end);
+    if (kept.isEmpty())
+        return;
+    QTextCursor picture(&m_doc);
+    picture.setPosition(at);
+    picture.setPosition(at + 1, QTextCursor::KeepAnchor);
+    if (!picture.charFormat().isImageFormat() || picture.charFormat().hasProperty(KeptObjectGroup))
+        return;
+    QTextCharFormat object;
+    object.setProperty(KeptObjectGroup, kept);
+    picture.mergeCharFormat(object);
+}
+
 void Reader::handleDestinationWord(Word word)
 {
     GroupState &state = top();
@@ -306,7 +369,7 @@ void Reader::handleDestinationWord(Word word)
     };
     switch (word) {
     case Word::FontTbl: open(Dest::FontTable); m_fontEntry = -1; m_fontName.clear(); break;
-    case Word::ColorTbl: open(Dest::ColorTable); m_colours.clear(); m_red = m_green = m_blue = -1; break;
+    case Word::ColorTbl: open(Dest::ColorTable); m_colours.clear(); m_red = m_green = m_blue = -1; m_lastParagraph.valid = false; break;
     case Word::Field:
         flushText();
         m_fields.push_back(FieldEntry());
@@ -400,12 +463,15 @@ void Reader::handleDestinationWord(Word word)
         flushText();
         if (m_shapeProperty == QLatin1String("pib") && state.dest == Dest::Ignore) {
             m_shapePicture = true;
+            m_shapePictureAt = m_cursor.position();
         } else {
             state.dest = Dest::Skip;
         }
         break;
     case Word::ShpTxt:
         flushText();
+        if (state.dest == Dest::Ignore && m_shapePicture)
+            keepObjectOfPictureFrame();
         if (state.dest == Dest::Ignore)
             state.dest = m_shapePicture ? Dest::Skip : Dest::Text;
         break;

@@ -21,6 +21,7 @@
 #include <QTextBlockFormat>
 #include <QTextCharFormat>
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -173,6 +174,8 @@ struct BorderState {
     qint32 space = 0;
 };
 
+// Paragraph properties as read. (A new field must be compared in sameAs too: the reader reuses
+// the last paragraph's format when the properties are the same.)
 struct ParaState {
     qint32 align = 0; // ParaAlignment
     qint32 li = 0;
@@ -200,6 +203,21 @@ struct ParaState {
     qint32 patternColour = -1;
     qint32 fillColour = -1;
     qint32 style = -1;      // the paragraph style applied (\s), -1 none
+
+    bool sameAs(const ParaState &o) const
+    {
+        const auto sameBorder = [](const BorderState &a, const BorderState &b) {
+            return a.style == b.style && a.width == b.width && a.colour == b.colour && a.space == b.space;
+        };
+        return align == o.align && li == o.li && ri == o.ri && fi == o.fi && sb == o.sb && sa == o.sa && sl == o.sl
+               && slMult == o.slMult && ruleOverride == o.ruleOverride && bulletIndent == o.bulletIndent
+               && intbl == o.intbl && itap == o.itap && pageBreakBefore == o.pageBreakBefore && rtl == o.rtl
+               && ls == o.ls && ilvl == o.ilvl && pn == o.pn && pn.indent == o.pn.indent && tabs == o.tabs
+               && tabKinds == o.tabKinds && nextTabKind == o.nextTabKind
+               && std::equal(borders, borders + 5, o.borders, sameBorder) && borderSide == o.borderSide
+               && shading == o.shading && patternColour == o.patternColour && fillColour == o.fillColour
+               && style == o.style;
+    }
 };
 
 struct GroupState {
@@ -299,6 +317,9 @@ struct TableBuild {
     QTextTable *table = nullptr;
     int row = 0;
     int column = 0;
+    int columns = 0; // the table's columns (the table counts them only after re-indexing its cells)
+    int rowsCreated = 1; // the table's rows: the one being read is followed by empty ones
+    int cursorColumn = 0; // the cell the row's text ended in, once the row has ended
     bool rowEnded = false;
     bool cellMovePending = false;
     std::vector<RowDef> rowDefs;   // the definition of each row, set when the row ends
@@ -377,6 +398,8 @@ private:
     // paragraphs and lists (rtfreader_paragraphs.cpp)
     void endParagraph(bool insertBreak);
     void applyParagraph(const ParaState &para);
+    // The block format of a paragraph with these properties (m_keptParagraph goes into it).
+    QTextBlockFormat paragraphFormat(const ParaState &para, bool pageBreak, bool listParagraph, bool ownIndents);
 
     // destinations: font and colour tables, fields, pictures, list tables
     // (rtfreader_destinations.cpp)
@@ -384,6 +407,7 @@ private:
     void finishDestination(const GroupState &closing);
     void addToDestination(const QString &s);
     void insertPicture(const PictureBuild &picture);
+    void keepObjectOfPictureFrame();
 
     // notes (rtfreader_notes.cpp)
     void addNoteMark(bool annotation);
@@ -411,6 +435,8 @@ private:
     int paragraphTableDepth() const;
     void ensureTableState();
     void enterTableDepth(int depth);
+    // Puts the cursor in the build's current cell, whose marker is expected at \a marker.
+    void moveToCell(const TableBuild &build, int marker);
     void startTable();
     void endCell(bool nested);
     void endRow(bool nested);
@@ -488,6 +514,7 @@ private:
 
     QString m_shapeProperty; // the name of the shape property being read
     bool m_shapePicture = false; // the shape being read is a picture frame
+    int m_shapePictureAt = -1;   // where the picture of that frame goes in
 
     // stylesheet
     QHash<int, StyleDef> m_paragraphStyles;
@@ -515,6 +542,16 @@ private:
     int m_parCount = 0;
     bool m_lastWasPar = false;
     ParaState m_documentPara; // the paragraph properties in effect when the document's group closed
+    // The last paragraph format built, and what it was built from.
+    struct {
+        bool valid = false;
+        ParaState para;
+        bool pageBreak = false;
+        bool inNote = false;
+        int noteKind = 0;
+        int noteId = 0;
+        QTextBlockFormat format;
+    } m_lastParagraph;
     bool m_pageBreakPending = false; // the paragraph being read starts a new page
     void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a

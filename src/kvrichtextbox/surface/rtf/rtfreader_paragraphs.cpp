@@ -66,12 +66,8 @@ void setBullet(QTextListFormat &list, const QString &bullet)
 
 } // namespace
 
-void Reader::applyParagraph(const ParaState &para)
+QTextBlockFormat Reader::paragraphFormat(const ParaState &para, bool pageBreak, bool listParagraph, bool ownIndents)
 {
-    // An empty paragraph keeps the character format in effect at its end (what typing there
-    // would insert), so that writing it again gives the same properties.
-    if (!m_paragraphHasContent)
-        m_cursor.setBlockCharFormat(formatFor(top().ch));
     QTextBlockFormat qt;
     ParaFormat fields;
     fields.alignment = ParaAlignment(std::clamp(para.align, 0, 3));
@@ -114,7 +110,7 @@ void Reader::applyParagraph(const ParaState &para)
     applyParagraphFormats(qt, para);
     if (para.rtl)
         qt.setLayoutDirection(Qt::RightToLeft);
-    if ((m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty())
+    if (pageBreak)
         qt.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
     if (!m_keptParagraph.isEmpty()) {
         qt.setProperty(KeptParagraphGroups, m_keptParagraph);
@@ -123,8 +119,6 @@ void Reader::applyParagraph(const ParaState &para)
     // List paragraphs show the markers the surface draws; those that give their own indent
     // show their text there, the marker hanging in the first line's indent (their lists add
     // no indent of their own).
-    const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
-    const bool ownIndents = listParagraph && para.li > 0;
     if (listParagraph) {
         listmarkers::setDrawnBySurface(qt);
         if (ownIndents && para.fi < 0)
@@ -135,7 +129,38 @@ void Reader::applyParagraph(const ParaState &para)
         qt.setProperty(NoteIdProperty, m_noteId);
         qt.setBackground(noteBackground());
     }
-    m_cursor.setBlockFormat(qt);
+    return qt;
+}
+
+void Reader::applyParagraph(const ParaState &para)
+{
+    // An empty paragraph keeps the character format in effect at its end (what typing there
+    // would insert), so that writing it again gives the same properties.
+    if (!m_paragraphHasContent)
+        m_cursor.setBlockCharFormat(formatFor(top().ch));
+    const bool pageBreak = (m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty();
+    const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
+    const bool ownIndents = listParagraph && para.li > 0;
+    // Paragraphs in a row mostly have the same properties: their format is built once.
+    auto &last = m_lastParagraph;
+    const bool reuse = last.valid && m_keptParagraph.isEmpty() && last.pageBreak == pageBreak && last.inNote == m_inNote
+                       && (!m_inNote || (last.noteKind == m_noteKind && last.noteId == m_noteId)) && last.para.sameAs(para);
+    if (reuse) {
+        m_cursor.setBlockFormat(last.format);
+    } else {
+        const bool kept = !m_keptParagraph.isEmpty();
+        const QTextBlockFormat qt = paragraphFormat(para, pageBreak, listParagraph, ownIndents);
+        m_cursor.setBlockFormat(qt);
+        last.valid = !kept;
+        if (!kept) {
+            last.para = para;
+            last.pageBreak = pageBreak;
+            last.inNote = m_inNote;
+            last.noteKind = m_noteKind;
+            last.noteId = m_noteId;
+            last.format = qt;
+        }
+    }
 
     // Lists: \ls paragraphs join the list of their override and level wherever they are;
     // legacy \pn paragraphs join the list of the paragraph before when it is numbered alike.

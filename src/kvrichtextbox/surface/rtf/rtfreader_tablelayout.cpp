@@ -63,39 +63,93 @@ void moveCellContent(QTextTable *table, int row, int from, int to)
         target.insertFragment(fragment);
 }
 
-// Two cell formats with the same properties. (QTextFormat's own comparison can tell equal
-// brushes apart.)
-bool sameProperties(const QTextFormat &a, const QTextFormat &b)
-{
-    const QMap<int, QVariant> left = a.properties();
-    const QMap<int, QVariant> right = b.properties();
-    if (left.size() != right.size())
-        return false;
-    for (auto it = left.cbegin(); it != left.cend(); ++it) {
-        const auto other = right.constFind(it.key());
-        if (other == right.cend())
-            return false;
-        const bool brush = it->metaType().id() == QMetaType::QBrush;
-        if (brush ? it->value<QBrush>() != other->value<QBrush>() : *it != *other)
-            return false;
-    }
-    return true;
-}
-
-// True when the cell format gives the same border on its four sides and nothing else.
-bool isUniformBorder(const QTextTableCellFormat &f)
-{
-    QTextTableCellFormat same;
-    same.setBorder(f.topBorder());
-    same.setBorderStyle(f.topBorderStyle());
-    same.setBorderBrush(f.topBorderBrush());
-    return f.topBorder() > 0 && f.topBorderStyle() != QTextFrameFormat::BorderStyle_None && sameProperties(f, same);
-}
-
 QTextFrameFormat::BorderStyle styleOf(const CellBorder &border)
 {
     return QTextFrameFormat::BorderStyle(std::clamp<int>(border.style, 0, QTextFrameFormat::BorderStyle_Outset));
 }
+
+// What a cell shows, with the row's defaults and the colour table already applied: cells with
+// equal looks get equal formats, so each distinct look is turned into a format once.
+struct CellLook {
+    struct Side {
+        qint8 style = -1;  // -1: no border given
+        int width = 0;     // twips; 0 for a border of style none
+        QColor colour;
+        bool operator==(const Side &o) const { return style == o.style && width == o.width && colour == o.colour; }
+    };
+    Side sides[4];      // by CellSide
+    QColor background;  // invalid: none
+    qint16 padding[4] = {-1, -1, -1, -1};
+    quint8 vAlign = 0;
+
+    bool operator==(const CellLook &o) const
+    {
+        return std::equal(sides, sides + 4, o.sides) && background == o.background
+               && std::equal(padding, padding + 4, o.padding) && vAlign == o.vAlign;
+    }
+    // The same border on all four sides and nothing else: the table can draw it instead.
+    bool uniformBorder() const
+    {
+        return sides[0].style > 0 && sides[0].width > 0 && sides[1] == sides[0] && sides[2] == sides[0]
+               && sides[3] == sides[0] && !background.isValid() && vAlign == 0
+               && std::all_of(padding, padding + 4, [](qint16 p) { return p < 0; });
+    }
+    QTextTableCellFormat toFormat() const
+    {
+        QTextTableCellFormat qt;
+        for (int side = 0; side < 4; ++side) {
+            const Side &border = sides[side];
+            if (border.style < 0)
+                continue;
+            const qreal width = format::twipsToPixels(border.width);
+            const auto style = QTextFrameFormat::BorderStyle(border.style);
+            const QBrush brush(border.colour);
+            switch (side) {
+            case SideTop: qt.setTopBorder(width); qt.setTopBorderStyle(style); qt.setTopBorderBrush(brush); break;
+            case SideLeft: qt.setLeftBorder(width); qt.setLeftBorderStyle(style); qt.setLeftBorderBrush(brush); break;
+            case SideBottom: qt.setBottomBorder(width); qt.setBottomBorderStyle(style); qt.setBottomBorderBrush(brush); break;
+            default: qt.setRightBorder(width); qt.setRightBorderStyle(style); qt.setRightBorderBrush(brush); break;
+            }
+        }
+        if (background.isValid())
+            qt.setBackground(background);
+        for (int side = 0; side < 4; ++side) {
+            if (padding[side] < 0)
+                continue;
+            const qreal px = format::twipsToPixels(padding[side]);
+            switch (side) {
+            case SideTop: qt.setTopPadding(px); break;
+            case SideLeft: qt.setLeftPadding(px); break;
+            case SideBottom: qt.setBottomPadding(px); break;
+            default: qt.setRightPadding(px); break;
+            }
+        }
+        if (vAlign == 1)
+            qt.setVerticalAlignment(QTextCharFormat::AlignMiddle);
+        else if (vAlign == 2)
+            qt.setVerticalAlignment(QTextCharFormat::AlignBottom);
+        return qt;
+    }
+};
+
+size_t qHash(const CellLook &look, size_t seed = 0)
+{
+    QtPrivate::QHashCombine hash;
+    for (const CellLook::Side &side : look.sides)
+        seed = hash(hash(hash(seed, side.style), side.width), side.colour.rgba());
+    for (qint16 p : look.padding)
+        seed = hash(seed, p);
+    return hash(hash(seed, look.vAlign), look.background.isValid() ? look.background.rgba() : 0u);
+}
+
+// A merge of cells the layout asks of the table, and the look a cell gets (-1: the filler's).
+struct CellPlan {
+    int row = 0;
+    int column = 0;
+    int down = 1;
+    int across = 1;
+    int look = -1;
+};
 
 } // namespace
 
@@ -157,26 +211,23 @@ void Reader::applyTableLayout(TableBuild &build)
             return toQColor(m_colours[size_t(index)]);
         return fallback;
     };
-    auto cellFormat = [&](const RowDef &def, const CellDef &cell, int r, int i, int cellCount, int down) {
-        QTextTableCellFormat qt;
-        const bool sides[4] = {r == 0, i == 0, r + down >= rows, i + 1 >= cellCount};
+    // The look of the row's cell i, whose properties are cell, spanning down rows.
+    auto lookOf = [&](const RowDef &def, const CellDef &cell, int r, int i, int cellCount, int down) {
+        CellLook look;
+        const bool outer[4] = {r == 0, i == 0, r + down >= rows, i + 1 >= cellCount};
         for (int side = 0; side < 4; ++side) {
             CellBorder border = cell.borders[side];
             if (border.style < 0) {
-                const int rowSide = sides[side] ? side : (side == SideTop || side == SideBottom ? SideInsideH : SideInsideV);
+                const int rowSide = outer[side] ? side : (side == SideTop || side == SideBottom ? SideInsideH : SideInsideV);
                 border = def.borders[rowSide];
             }
             if (border.style < 0)
                 continue;
+            CellLook::Side &to = look.sides[side];
+            to.style = qint8(styleOf(border));
             const bool none = border.style == QTextFrameFormat::BorderStyle_None;
-            const qreal width = none ? 0 : format::twipsToPixels(border.width > 0 ? border.width : kDefaultBorderTwips);
-            const QBrush brush(colourOf(border.colour, Qt::black));
-            switch (side) {
-            case SideTop: qt.setTopBorder(width); qt.setTopBorderStyle(styleOf(border)); qt.setTopBorderBrush(brush); break;
-            case SideLeft: qt.setLeftBorder(width); qt.setLeftBorderStyle(styleOf(border)); qt.setLeftBorderBrush(brush); break;
-            case SideBottom: qt.setBottomBorder(width); qt.setBottomBorderStyle(styleOf(border)); qt.setBottomBorderBrush(brush); break;
-            default: qt.setRightBorder(width); qt.setRightBorderStyle(styleOf(border)); qt.setRightBorderBrush(brush); break;
-            }
+            to.width = none ? 0 : border.width > 0 ? border.width : kDefaultBorderTwips;
+            to.colour = colourOf(border.colour, Qt::black);
         }
         if (cell.shading >= 0 && (cell.pattern > 0 || cell.shading > 0)) {
             // A shading percentage mixes the pattern colour (black by default) into the
@@ -184,32 +235,19 @@ void Reader::applyTableLayout(TableBuild &build)
             const QColor fore = colourOf(cell.pattern, Qt::black);
             const QColor back = colourOf(cell.background, Qt::white);
             const double share = cell.shading / 10000.0;
-            qt.setBackground(QColor::fromRgbF(float(fore.redF() * share + back.redF() * (1 - share)),
-                                              float(fore.greenF() * share + back.greenF() * (1 - share)),
-                                              float(fore.blueF() * share + back.blueF() * (1 - share))));
+            look.background = QColor::fromRgbF(float(fore.redF() * share + back.redF() * (1 - share)),
+                                               float(fore.greenF() * share + back.greenF() * (1 - share)),
+                                               float(fore.blueF() * share + back.blueF() * (1 - share)));
         } else if (cell.background > 0) {
-            const QColor back = colourOf(cell.background, QColor());
-            if (back.isValid())
-                qt.setBackground(back);
+            look.background = colourOf(cell.background, QColor());
         }
-        for (int side = 0; side < 4; ++side) {
-            const int twips = cell.padding[side] >= 0 ? cell.padding[side] : def.padding[side];
-            if (twips < 0)
-                continue;
-            const qreal px = format::twipsToPixels(twips);
-            switch (side) {
-            case SideTop: qt.setTopPadding(px); break;
-            case SideLeft: qt.setLeftPadding(px); break;
-            case SideBottom: qt.setBottomPadding(px); break;
-            default: qt.setRightPadding(px); break;
-            }
-        }
-        if (cell.vAlign == 1)
-            qt.setVerticalAlignment(QTextCharFormat::AlignMiddle);
-        else if (cell.vAlign == 2)
-            qt.setVerticalAlignment(QTextCharFormat::AlignBottom);
-        return qt;
+        for (int side = 0; side < 4; ++side)
+            look.padding[side] = cell.padding[side] >= 0 ? cell.padding[side] : def.padding[side];
+        look.vAlign = cell.vAlign;
+        return look;
     };
+    std::vector<CellLook> looks;
+    QHash<CellLook, int> lookIndex;
 
     // The cell of each row that starts at a grid column, for merging down.
     auto cellStartingAt = [&](int r, int column) -> int {
@@ -228,25 +266,32 @@ void Reader::applyTableLayout(TableBuild &build)
             ++i;
         return i;
     };
-    // Filler cells draw no border, not even one the table gives its cells.
-    QTextTableCellFormat filler;
-    filler.setProperty(TableFillerCell, true);
-    filler.setBorder(0);
-    filler.setBorderStyle(QTextFrameFormat::BorderStyle_None);
-    std::vector<std::pair<QTextTableCell, QTextTableCellFormat>> formats;
+
+    // The plan, worked out from the rows alone: which cells merge and the look of each cell.
+    // The merges never cut one another (a cell covers only whole cells of the rows below that
+    // continue it, and cells of a row never overlap), so the grid cells a merge covers can be
+    // kept here rather than asked of the table after every merge.
+    std::vector<char> covered(size_t(rows) * size_t(columns), 0);
+    auto cover = [&](const CellPlan &plan) {
+        for (int r = plan.row; r < plan.row + plan.down; ++r)
+            std::fill_n(covered.begin() + ptrdiff_t(size_t(r) * size_t(columns) + size_t(plan.column)), plan.across, 1);
+    };
+    std::vector<CellPlan> fillers;
+    std::vector<CellPlan> cells;
+    std::vector<CellPlan> merges; // in the order they are made
     for (int r = 0; r < rows; ++r) {
         const RowDef &def = build.rowDefs[size_t(r)];
         const std::vector<int> &edges = rowEdges[size_t(r)];
         const int cellCount = int(edges.size()) - 1;
         const int firstColumn = columnOf(edges.front());
         const int endColumn = columnOf(edges.back());
-        if (firstColumn > 0) {
-            table->mergeCells(r, 0, 1, firstColumn);
-            table->cellAt(r, 0).setFormat(filler);
-        }
-        if (endColumn < columns) {
-            table->mergeCells(r, endColumn, 1, columns - endColumn);
-            table->cellAt(r, endColumn).setFormat(filler);
+        for (const CellPlan filler : {CellPlan{r, 0, 1, firstColumn, -1}, CellPlan{r, endColumn, 1, columns - endColumn, -1}}) {
+            if (filler.across <= 0)
+                continue;
+            fillers.push_back(filler);
+            if (filler.across > 1)
+                merges.push_back(filler);
+            cover(filler);
         }
         for (int i = 0; i < cellCount; ++i) {
             const int merge = mergeOf(r, i);
@@ -264,36 +309,54 @@ void Reader::applyTableLayout(TableBuild &build)
                     ++down;
                 }
             }
-            QTextTableCell cell = table->cellAt(r, column);
-            if (cell.row() != r || cell.column() != column)
+            if (covered[size_t(r) * size_t(columns) + size_t(column)])
                 continue; // covered by a cell on its left or above
-            if ((across > 1 || down > 1) && cell.rowSpan() == 1 && cell.columnSpan() == 1)
-                table->mergeCells(r, column, down, across);
+            CellPlan plan{r, column, down, across, 0};
+            if (across > 1 || down > 1)
+                merges.push_back(plan);
+            cover(plan);
             // Cells past the definition have the properties of its last cell.
             const CellDef properties = def.cells.empty() ? CellDef() : def.cells[std::min(size_t(i), def.cells.size() - 1)];
-            formats.emplace_back(table->cellAt(r, column), cellFormat(def, properties, r, i, cellCount, down));
+            const CellLook look = lookOf(def, properties, r, i, cellCount, down);
+            const auto known = lookIndex.constFind(look);
+            if (known != lookIndex.cend()) {
+                plan.look = *known;
+            } else {
+                plan.look = int(looks.size());
+                lookIndex.insert(look, plan.look);
+                looks.push_back(look);
+            }
+            cells.push_back(plan);
         }
     }
+
+    for (const CellPlan &merge : merges)
+        table->mergeCells(merge.row, merge.column, merge.down, merge.across);
+    // Filler cells draw no border, not even one the table gives its cells.
+    QTextTableCellFormat filler;
+    filler.setProperty(TableFillerCell, true);
+    filler.setBorder(0);
+    filler.setBorderStyle(QTextFrameFormat::BorderStyle_None);
+    for (const CellPlan &plan : fillers)
+        table->cellAt(plan.row, plan.column).setFormat(filler);
     // Cells that all have the same border on every side and nothing else: the table draws it
     // for them (one change to the document rather than one a cell).
-    const QTextTableCellFormat *shared = formats.empty() ? nullptr : &formats.front().second;
-    if (shared && !isUniformBorder(*shared))
-        shared = nullptr;
-    for (size_t i = 1; shared && i < formats.size(); ++i) {
-        if (!sameProperties(formats[i].second, *shared))
-            shared = nullptr;
-    }
-    if (shared) {
-        tableFormat.setBorder(shared->topBorder());
-        tableFormat.setBorderStyle(shared->topBorderStyle());
-        tableFormat.setBorderBrush(shared->topBorderBrush());
+    if (looks.size() == 1 && looks.front().uniformBorder()) {
+        const CellLook::Side &border = looks.front().sides[SideTop];
+        tableFormat.setBorder(format::twipsToPixels(border.width));
+        tableFormat.setBorderStyle(QTextFrameFormat::BorderStyle(border.style));
+        tableFormat.setBorderBrush(border.colour);
         table->setFormat(tableFormat);
         return;
     }
-    for (auto &[cell, qt] : formats) {
-        if (!qt.properties().isEmpty())
-            cell.setFormat(qt);
-    }
+    std::vector<QTextTableCellFormat> formats;
+    formats.reserve(looks.size());
+    for (const CellLook &look : looks)
+        formats.push_back(look.toFormat());
+    // Every cell gets its format, also one that gives nothing: a cell's format replaces the
+    // character format its first paragraph had while the cell was read.
+    for (const CellPlan &plan : cells)
+        table->cellAt(plan.row, plan.column).setFormat(formats[size_t(plan.look)]);
 }
 
 } // namespace kvrtb::rtf::detail

@@ -4,6 +4,7 @@
 
 #include <QTextBlock>
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTextTable>
 
 #include <algorithm>
@@ -29,6 +30,9 @@ std::pair<QTextFrame *, int> containerOf(const QTextBlock &block)
     QTextFrame *frame = cursor.currentFrame();
     return {frame, frame->firstPosition()};
 }
+
+// The character that starts each cell (and frame) in a QTextDocument.
+constexpr char16_t kCellMarker = 0xfdd0;
 
 constexpr CellSide kPaddingSides[4] = {SideLeft, SideTop, SideBottom, SideRight};
 
@@ -85,25 +89,50 @@ void Reader::enterTableDepth(int depth)
         leaveTable();
     if (!m_tables.empty()) {
         TableBuild &build = m_tables.back();
+        // While the table is read it is a plain grid filled in document order, so the next
+        // cell starts right after the marker that follows the text read so far: the cursor
+        // goes there without asking the table, which would re-index all its cells after each
+        // new row.
         if (build.rowEnded) {
-            build.table->appendRows(1);
+            // The cells the row did not use are empty: one marker each. (Taken before rows
+            // are added: the cursor moves with the markers inserted where it is.)
+            const int marker = m_cursor.position() + build.columns - 1 - build.cursorColumn;
+            // Qt re-indexes every cell of a table before each change to its rows, so a long
+            // table gets its rows in growing batches; those left over go when it ends.
+            if (build.row + 1 >= build.rowsCreated) {
+                const int batch = build.rowsCreated < 16 ? 1 : std::min(build.rowsCreated / 4, 128);
+                build.table->appendRows(batch);
+                build.rowsCreated += batch;
+            }
             ++build.row;
             build.column = 0;
             build.rowEnded = false;
             build.cellMovePending = false;
-            m_cursor = build.table->cellAt(build.row, 0).firstCursorPosition();
+            moveToCell(build, marker);
             m_paragraphHasContent = false;
         }
         if (build.cellMovePending) {
             build.cellMovePending = false;
-            if (build.column >= build.table->columns())
+            if (build.column >= build.columns) {
                 build.table->appendColumns(1);
-            m_cursor = build.table->cellAt(build.row, build.column).firstCursorPosition();
+                ++build.columns;
+                m_cursor = build.table->cellAt(build.row, build.column).firstCursorPosition();
+            } else {
+                moveToCell(build, m_cursor.position());
+            }
             m_paragraphHasContent = false;
         }
     }
     while (int(m_tables.size()) < depth)
         startTable();
+}
+
+void Reader::moveToCell(const TableBuild &build, int marker)
+{
+    if (m_doc.characterAt(marker) == QChar(kCellMarker))
+        m_cursor.setPosition(marker + 1);
+    else
+        m_cursor = build.table->cellAt(build.row, build.column).firstCursorPosition();
 }
 
 void Reader::startTable()
@@ -144,6 +173,7 @@ void Reader::startTable()
     // change to every row); columns that no row uses are removed when the table ends.
     const int columns = outermost ? std::clamp(int(m_rowDef.cells.size()), 1, 64) : 1;
     build.table = m_cursor.insertTable(1, columns, tableFormat);
+    build.columns = columns;
     m_tables.push_back(build);
     m_paragraphHasContent = false;
     m_lastWasPar = false;
@@ -191,6 +221,7 @@ void Reader::endRow(bool nested)
     build.rowDefs[size_t(build.row)] = nested ? m_nestedDef : m_rowDef;
     // A row that ends without \cell after its last text keeps that text in a cell of its own.
     build.rowCells[size_t(build.row)] = build.column + (build.cellMovePending ? 0 : 1);
+    build.cursorColumn = build.cellMovePending ? build.column - 1 : build.column;
     build.rowEnded = true;
     build.cellMovePending = false;
 }
@@ -200,6 +231,8 @@ void Reader::leaveTable()
     flushRun();
     TableBuild build = std::move(m_tables.back());
     m_tables.pop_back();
+    if (build.rowsCreated > build.row + 1)
+        build.table->removeRows(build.row + 1, build.rowsCreated - build.row - 1);
     if (build.rowCells.size() <= size_t(build.row)) {
         // The last row was not ended by \row: its definition is the one in effect.
         build.rowDefs.resize(size_t(build.row) + 1, m_tables.empty() ? m_rowDef : m_nestedDef);

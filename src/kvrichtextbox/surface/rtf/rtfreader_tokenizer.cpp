@@ -14,9 +14,9 @@ namespace kvrtb::rtf::detail {
 
 namespace {
 
-const std::unordered_map<std::string_view, Word> &wordTable()
+// Each control word the reader knows, with its kind.
+std::unordered_map<std::string_view, Word> wordList()
 {
-    static const std::unordered_map<std::string_view, Word> table = [] {
     std::unordered_map<std::string_view, Word> table = {
         {"rtf", Word::Rtf}, {"fonttbl", Word::FontTbl}, {"colortbl", Word::ColorTbl},
         {"field", Word::Field}, {"fldinst", Word::FldInst}, {"fldrslt", Word::FldRslt},
@@ -140,8 +140,58 @@ const std::unordered_map<std::string_view, Word> &wordTable()
     for (int i = 0; i < borderStyleCount(); ++i)
         table.emplace(borderStyleWords()[i], Word::BrdrStyle);
     return table;
-    }();
-    return table;
+}
+
+// The control words in an open-addressed table four times their number: finding a word, which
+// the reader does for every word it meets, hashes its few bytes once and compares one or two
+// names.
+class WordIndex {
+public:
+    explicit WordIndex(const std::unordered_map<std::string_view, Word> &words)
+    {
+        size_t size = 64;
+        while (size < words.size() * 4)
+            size *= 2;
+        m_mask = size - 1;
+        m_slots.resize(size);
+        for (const auto &[name, word] : words) {
+            size_t i = hash(name) & m_mask;
+            while (m_slots[i].word != Word::Unknown)
+                i = (i + 1) & m_mask;
+            m_slots[i] = {name, word};
+        }
+    }
+
+    Word find(std::string_view name) const
+    {
+        for (size_t i = hash(name) & m_mask;; i = (i + 1) & m_mask) {
+            const Slot &slot = m_slots[i];
+            if (slot.word == Word::Unknown || slot.name == name)
+                return slot.word;
+        }
+    }
+
+private:
+    static size_t hash(std::string_view name)
+    {
+        quint32 h = 2166136261u; // FNV-1a
+        for (const char c : name)
+            h = (h ^ quint8(c)) * 16777619u;
+        return h;
+    }
+
+    struct Slot {
+        std::string_view name;
+        Word word = Word::Unknown;
+    };
+    std::vector<Slot> m_slots;
+    size_t m_mask = 0;
+};
+
+const WordIndex &wordIndex()
+{
+    static const WordIndex index(wordList());
+    return index;
 }
 
 } // namespace
@@ -239,8 +289,7 @@ void Reader::parse()
                     ++m_p;
                 value = std::clamp(value, 0LL, 2147483647LL);
                 const int param = negative ? -int(value) : int(value);
-                const auto found = wordTable().find(name);
-                const Word word = found == wordTable().end() ? Word::Unknown : found->second;
+                const Word word = wordIndex().find(name);
                 if (!m_started) {
                     if (word == Word::Rtf && m_stack.size() == 2) {
                         m_started = true;

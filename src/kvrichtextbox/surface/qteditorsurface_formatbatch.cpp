@@ -9,6 +9,8 @@
 #include <QTextDocument>
 #include <QTextFrame>
 
+#include <algorithm>
+
 #ifdef KVRTB_HAVE_QT_TEXT_PRIVATE
 // The document's own fragment table (Debian qt6-base-private-dev, the same Qt version as the
 // library): the colour batch writes formats into it without a cursor and without merging each
@@ -67,9 +69,20 @@ public:
     {
     }
 
-    /// Merges \a change, known by \a key (one key for one change), into [from, to).
-    void merge(int from, int to, const QTextCharFormat &change, quint64 key)
+    /// Merges \a change, known by \a key (one key for one change), into [from, to). Returns the
+    /// number of stretches of equal format it found there.
+    int merge(int from, int to, const QTextCharFormat &change, quint64 key)
     {
+        if (from >= m_untouched && to <= m_uniformEnd) {
+            // The range lies in the part known to hold one format: no need to look it up.
+            m_document->setCharFormat(from, to - from, merged(m_uniformFormat, change, key),
+                                      QTextDocumentPrivate::SetFormat);
+            m_untouched = to;
+            return 1;
+        }
+        if (from < m_uniformEnd && to > m_untouched)
+            m_untouched = to; // what lies before no longer counts as known
+        int stretches = 0;
         int position = from;
         while (position < to) {
             QTextDocumentPrivate::FragmentIterator it = m_document->find(position);
@@ -81,7 +94,18 @@ public:
             m_document->setCharFormat(position, end - position, merged(format, change, key),
                                       QTextDocumentPrivate::SetFormat);
             position = end;
+            ++stretches;
         }
+        return stretches;
+    }
+
+    /// Notes that [from, to) holds one format throughout, so that later merges into it, in
+    /// ascending order, need not look up the format they change.
+    void knowUniform(int from, int to)
+    {
+        m_uniformFormat = m_document->find(from).value()->format;
+        m_untouched = from;
+        m_uniformEnd = to;
     }
 
 private:
@@ -99,6 +123,10 @@ private:
 
     QTextDocumentPrivate *m_document;
     QHash<QPair<int, quint64>, QTextCharFormat> m_merged;
+    /// [m_untouched, m_uniformEnd) holds m_uniformFormat throughout (empty when nothing is known).
+    int m_uniformFormat = -1;
+    int m_untouched = 0;
+    int m_uniformEnd = 0;
 };
 #endif
 
@@ -129,7 +157,7 @@ void QtEditorSurface::applyColourRuns(int start, int length, const CharFormat &b
         const LazyRelayout lazy(doc, runs.size() + 1);
         batch.beginEditBlock();
         QTextCursor range = rangeCursor(start, length);
-        const int end = textLength();
+        const int end = textLength(); // format changes keep the length
         // A source file has a handful of colours and tens of thousands of runs: each colour's
         // format change is built once.
         QHash<Colour, QTextCharFormat> changes;
@@ -152,12 +180,12 @@ void QtEditorSurface::applyColourRuns(int start, int length, const CharFormat &b
                 // changes take the general path.
                 if (base.underline || base.linkEffect)
                     format::applyCharFormat(range, base);
-                else
-                    formatter.merge(range.selectionStart(), range.selectionEnd(), format::charDelta(base), 0);
+                else if (formatter.merge(range.selectionStart(), range.selectionEnd(), format::charDelta(base), 0) == 1)
+                    formatter.knowUniform(range.selectionStart(), range.selectionEnd());
             }
             for (const ColourRun &run : runs) {
-                const int from = clamp(run.start);
-                const int to = run.length < 0 ? end : clamp(from + run.length);
+                const int from = std::clamp(run.start, 0, end);
+                const int to = run.length < 0 ? end : std::clamp(from + run.length, 0, end);
                 if (to > from)
                     formatter.merge(from, to, changeFor(run.colour), (quint64(1) << 32) | run.colour);
             }
@@ -168,8 +196,8 @@ void QtEditorSurface::applyColourRuns(int start, int length, const CharFormat &b
                 format::applyCharFormat(range, base);
             // One cursor walks the runs.
             for (const ColourRun &run : runs) {
-                const int from = clamp(run.start);
-                const int to = run.length < 0 ? end : clamp(from + run.length);
+                const int from = std::clamp(run.start, 0, end);
+                const int to = run.length < 0 ? end : std::clamp(from + run.length, 0, end);
                 if (to <= from)
                     continue;
                 range.setPosition(from);

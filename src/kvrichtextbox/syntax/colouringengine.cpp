@@ -4,6 +4,9 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <future>
+
 namespace kvrtb {
 
 ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules)
@@ -36,38 +39,74 @@ ColouringEngine::ColouringEngine(const QString &subject, const Rules &rules, Mat
     }
 }
 
+namespace {
+
+/// The matches of one pass's pattern through the pattern engine; an invalid pattern gives none
+/// and a line in \a warnings.
+QList<ColouringEngine::Match> findByPattern(const QString &subject, const ColouringEngine::Pass &pass,
+                                            QStringList &warnings)
+{
+    QList<ColouringEngine::Match> matches;
+    const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
+    if (!pattern.isValid()) {
+        warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
+                        .arg(pass.name, pattern.errorString())
+                        .arg(pattern.patternErrorOffset());
+        return matches;
+    }
+    // A pattern that backtracks without end stops at the engine's match limit and counts as no
+    // further match.
+    QRegularExpressionMatchIterator it = pattern.globalMatch(subject);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch match = it.next();
+        matches.append({int(match.capturedStart()), int(match.capturedLength())});
+    }
+    return matches;
+}
+
+} // namespace
+
 ColouringEngine::Matches ColouringEngine::collect(const QString &subject, const Rules &rules)
 {
-    Matches found;
-    std::optional<bool> scannable; // whether the text suits the keyword scanner, once asked
+    // A list of words is found by splitting the text into words, with the same result as the
+    // pattern engine's and much sooner; the other patterns go through the engine.
+    std::array<std::optional<KeywordScanner>, kRoleCount> scanners;
+    std::optional<bool> scannable; // whether the text suits the scanner, once asked
+    QList<int> byEngine;
     for (int role = 0; role < kRoleCount; ++role) {
         const Pass &pass = rules.passes[size_t(role)];
         if (pass.pattern.isEmpty())
             continue;
-        // A list of words is found by splitting the text into words, with the same result.
-        if (const std::optional<KeywordScanner> scanner = KeywordScanner::fromPattern(pass.pattern)) {
-            if (!scannable)
-                scannable = KeywordScanner::canScan(subject);
-            if (*scannable) {
-                found.byRole[size_t(role)] = scanner->matches(subject);
-                continue;
-            }
+        scanners[size_t(role)] = KeywordScanner::fromPattern(pass.pattern);
+        if (scanners[size_t(role)] && !scannable)
+            scannable = KeywordScanner::canScan(subject);
+        if (!scanners[size_t(role)] || !*scannable) {
+            scanners[size_t(role)].reset();
+            byEngine.append(role);
         }
-        const QRegularExpression pattern(pass.pattern, QRegularExpression::CaseInsensitiveOption);
-        if (!pattern.isValid()) {
-            found.warnings << QStringLiteral("%1 is not a valid pattern (%2 at offset %3); its pass colours nothing.")
-                                  .arg(pass.name, pattern.errorString())
-                                  .arg(pattern.patternErrorOffset());
-            continue;
-        }
-        // A pattern that backtracks without end stops at the engine's match limit and counts as
-        // no further match.
-        QList<Match> &matches = found.byRole[size_t(role)];
-        QRegularExpressionMatchIterator it = pattern.globalMatch(subject);
-        while (it.hasNext()) {
-            const QRegularExpressionMatch match = it.next();
-            matches.append({int(match.capturedStart()), int(match.capturedLength())});
-        }
+    }
+    const auto findByEngine = [&subject, &rules, &byEngine] {
+        Matches found;
+        for (const int role : byEngine)
+            found.byRole[size_t(role)] = findByPattern(subject, rules.passes[size_t(role)], found.warnings);
+        return found;
+    };
+    // With both kinds, the engine's share runs on another thread while the scanner works here.
+    const bool both = !byEngine.isEmpty()
+                      && std::any_of(scanners.begin(), scanners.end(), [](const auto &s) { return s.has_value(); });
+    std::future<Matches> engineShare;
+    if (both)
+        engineShare = std::async(std::launch::async, findByEngine);
+    Matches found = both ? Matches() : findByEngine();
+    for (int role = 0; role < kRoleCount; ++role) {
+        if (scanners[size_t(role)])
+            found.byRole[size_t(role)] = scanners[size_t(role)]->matches(subject);
+    }
+    if (both) {
+        Matches engine = engineShare.get();
+        for (const int role : byEngine)
+            found.byRole[size_t(role)] = std::move(engine.byRole[size_t(role)]);
+        found.warnings = std::move(engine.warnings);
     }
     return found;
 }
@@ -99,8 +138,7 @@ void ColouringEngine::handle(int role, const Match &match)
         paint(match, comment);
         if (m_rules.capitalise && match.length >= 3
             && QStringView(m_text).mid(match.start, 3).compare(QLatin1String("REM"), Qt::CaseInsensitive) == 0)
-            m_text.replace(match.start, match.length,
-                           KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
+            rewrite(match, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
         break;
     case StringRole:
         if (hasColour(match, comment))
@@ -146,16 +184,24 @@ bool ColouringEngine::isProtected(const Match &match) const
 
 void ColouringEngine::paint(const Match &match, Colour colour)
 {
+    m_painted.push_back(match);
     std::fill(m_colour.begin() + match.start, m_colour.begin() + match.start + match.length, colour);
+}
+
+void ColouringEngine::rewrite(const Match &match, const QString &text)
+{
+    m_rewritten.push_back(match);
+    m_text.replace(match.start, match.length, text);
 }
 
 void ColouringEngine::makeCanonical(const Match &match)
 {
     // The list is "|Word|Word|...|": a matched word is an entry when "|word|" occurs in it.
-    const QString matched = m_original.mid(match.start, match.length);
+    // Looked up without a copy: almost every keyword is already written canonically.
+    const QString matched = QString::fromRawData(m_original.constData() + match.start, match.length);
     if (m_canonicalExact.contains(matched))
         return;
-    m_text.replace(match.start, match.length, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
+    rewrite(match, KeywordPatterns::properCase(m_text.mid(match.start, match.length)));
     const auto canonical = m_canonicalByLowerCase.constFind(matched.toLower());
     if (canonical == m_canonicalByLowerCase.constEnd())
         return;
@@ -166,19 +212,39 @@ void ColouringEngine::makeCanonical(const Match &match)
     }
 }
 
+namespace {
+
+/// \a ranges sorted, with overlapping and adjacent ones joined.
+std::vector<ColouringEngine::Match> joined(std::vector<ColouringEngine::Match> ranges)
+{
+    std::sort(ranges.begin(), ranges.end(), [](const auto &a, const auto &b) { return a.start < b.start; });
+    std::vector<ColouringEngine::Match> result;
+    for (const ColouringEngine::Match &range : ranges) {
+        if (!result.empty() && range.start <= result.back().start + result.back().length)
+            result.back().length = std::max(result.back().length, range.start + range.length - result.back().start);
+        else
+            result.push_back(range);
+    }
+    return result;
+}
+
+} // namespace
+
 QList<EditorSurface::ColourRun> ColouringEngine::colourRuns(int offset) const
 {
     QList<EditorSurface::ColourRun> runs;
-    const int size = int(m_colour.size());
-    int i = 0;
-    while (i < size) {
-        const Colour colour = m_colour[size_t(i)];
-        int end = i + 1;
-        while (end < size && m_colour[size_t(end)] == colour)
-            ++end;
-        if (colour != 0)
-            runs.append({offset + i, end - i, colour});
-        i = end;
+    for (const Match &range : joined(m_painted)) {
+        const int size = range.start + range.length;
+        int i = range.start;
+        while (i < size) {
+            const Colour colour = m_colour[size_t(i)];
+            int end = i + 1;
+            while (end < size && m_colour[size_t(end)] == colour)
+                ++end;
+            if (colour != 0)
+                runs.append({offset + i, end - i, colour});
+            i = end;
+        }
     }
     return runs;
 }
@@ -186,18 +252,20 @@ QList<EditorSurface::ColourRun> ColouringEngine::colourRuns(int offset) const
 QList<EditorSurface::TextRewrite> ColouringEngine::rewrites(int offset) const
 {
     QList<EditorSurface::TextRewrite> result;
-    const int size = int(m_text.size());
-    int i = 0;
-    while (i < size) {
-        if (m_text.at(i) == m_original.at(i)) {
-            ++i;
-            continue;
+    for (const Match &range : joined(m_rewritten)) {
+        const int size = range.start + range.length;
+        int i = range.start;
+        while (i < size) {
+            if (m_text.at(i) == m_original.at(i)) {
+                ++i;
+                continue;
+            }
+            int end = i + 1;
+            while (end < size && m_text.at(end) != m_original.at(end))
+                ++end;
+            result.append({offset + i, m_text.mid(i, end - i)});
+            i = end;
         }
-        int end = i + 1;
-        while (end < size && m_text.at(end) != m_original.at(end))
-            ++end;
-        result.append({offset + i, m_text.mid(i, end - i)});
-        i = end;
     }
     return result;
 }

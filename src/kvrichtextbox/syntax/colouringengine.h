@@ -112,6 +112,8 @@ private:
     /// True when every character of the range (paragraph breaks aside) is protected.
     bool isProtected(const Match &match) const;
     void paint(const Match &match, Colour colour);
+    /// Replaces the text of \a match by \a text, of the same length.
+    void rewrite(const Match &match, const QString &text);
     void makeCanonical(const Match &match);
 
     const QString m_original;
@@ -124,6 +126,10 @@ private:
     Matches m_matches;
     std::vector<Colour> m_colour;
     std::vector<bool> m_protected;
+    /// The ranges painted and the ranges whose text was rewritten: outside them every character
+    /// is black and as it was, so the result is read from them alone.
+    std::vector<Match> m_painted;
+    std::vector<Match> m_rewritten;
     int m_total = 0;
     int m_handled = 0;
     int m_role = 0;

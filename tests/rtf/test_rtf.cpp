@@ -154,6 +154,7 @@ struct StructureCounts {
     int items = 0, numbered = 0, depth = 0, tables = 0, notes = 0, pageBreaks = 0, pictures = 0;
     int cells = 0, borderedCells = 0, shadedCells = 0;
     int bookmarks = 0, fields = 0, bordered = 0;
+    int rowHeights = 0; // rows with a height of their own
     QSet<QString> lists;
     QString describe() const
     {
@@ -163,6 +164,7 @@ struct StructureCounts {
                    .arg(items).arg(numbered).arg(depth).arg(tables).arg(notes).arg(pageBreaks).arg(pictures)
                    .arg(cells).arg(borderedCells).arg(shadedCells)
                + QStringLiteral(" bookmarks %1 fields %2 bordered paragraphs %3").arg(bookmarks).arg(fields).arg(bordered)
+               + QStringLiteral(" row heights %1").arg(rowHeights)
                + QStringLiteral(" lists %1").arg(kinds.join(QLatin1Char(' ')));
     }
 };
@@ -206,6 +208,8 @@ StructureCounts countsOfReferenceHtml(const QString &path)
         const QString td = it.next().captured(0);
         ++counts.cells;
         counts.borderedCells += td.contains(border);
+        // The reference gives a row's height on its first cell.
+        counts.rowHeights += td.contains(QLatin1String(" height="), Qt::CaseInsensitive);
         counts.shadedCells += td.contains(QLatin1String("bgcolor"), Qt::CaseInsensitive);
     }
     counts.notes = int(html.count(QLatin1String("class=\"sdfootnoteanc\"")) + html.count(QLatin1String("class=\"sdendnoteanc\"")));

@@ -33,13 +33,13 @@ using namespace kvrtb;
 
 namespace {
 
-// A plain paragraph, a box of two paragraphs (30-twip lines 80 twips from the text), a
+// A plain paragraph, a shaded box of two paragraphs (30-twip lines 80 twips from the text), a
 // paragraph with a double line below it only, and a plain one.
 const QByteArray kBorderDocument =
-    "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red0\\green0\\blue255;}\\f0\\fs20"
+    "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red0\\green0\\blue255;\\red255\\green255\\blue160;}\\f0\\fs20"
     "\\pard plain above\\par"
-    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1 boxed one\\par"
-    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1 boxed two\\par"
+    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1\\cbpat2 boxed one\\par"
+    "\\pard\\li1440\\ri1440\\box\\brdrs\\brdrw30\\brsp80\\brdrcf1\\cbpat2 boxed two\\par"
     "\\pard\\brdrb\\brdrdb\\brdrw15\\brsp40 underlined twice\\par"
     "\\pard plain below\\par}";
 
@@ -78,33 +78,31 @@ bool dark(QRgb pixel)
     return qGray(pixel) < 160;
 }
 
-// The rows of \a image between \a top and \a bottom that are dark all the way from \a left to
-// \a right: horizontal rules.
-QList<int> ruleRows(const QImage &image, int left, int right, int top, int bottom)
+// The lines of \a image across \a area that are dark all the way (rows for horizontal rules,
+// columns for vertical ones).
+QList<int> rulesIn(const QImage &image, const QRect &area, Qt::Orientation orientation)
 {
-    QList<int> rows;
-    for (int y = std::max(0, top); y <= std::min(bottom, image.height() - 1); ++y) {
+    const QRect clipped = area & image.rect();
+    const bool rows = orientation == Qt::Horizontal;
+    QList<int> found;
+    for (int line = rows ? clipped.top() : clipped.left(); line <= (rows ? clipped.bottom() : clipped.right()); ++line) {
         bool all = true;
-        for (int x = left; x <= right && all; ++x)
-            all = dark(image.pixel(x, y));
+        for (int along = rows ? clipped.left() : clipped.top(); along <= (rows ? clipped.right() : clipped.bottom()) && all; ++along)
+            all = dark(rows ? image.pixel(along, line) : image.pixel(line, along));
         if (all)
-            rows << y;
+            found << line;
     }
-    return rows;
+    return found;
 }
 
-// The columns between \a left and \a right that are dark from \a top to \a bottom.
+QList<int> ruleRows(const QImage &image, int left, int right, int top, int bottom)
+{
+    return rulesIn(image, QRect(QPoint(left, top), QPoint(right, bottom)), Qt::Horizontal);
+}
+
 QList<int> ruleColumns(const QImage &image, int left, int right, int top, int bottom)
 {
-    QList<int> columns;
-    for (int x = std::max(0, left); x <= std::min(right, image.width() - 1); ++x) {
-        bool all = true;
-        for (int y = top; y <= bottom && all; ++y)
-            all = dark(image.pixel(x, y));
-        if (all)
-            columns << x;
-    }
-    return columns;
+    return rulesIn(image, QRect(QPoint(left, top), QPoint(right, bottom)), Qt::Vertical);
 }
 
 // Grey: in documents of red letters, only a shadow.
@@ -212,6 +210,11 @@ private slots:
         QVERIFY(leftRule.last() < textLeft - 4);
         QVERIFY(!ruleColumns(drawn, textRight, textRight + 9, int(one.top()), int(two.bottom())).isEmpty());
         QVERIFY(ruleColumns(bare, textLeft - 9, textLeft, int(one.top()), int(two.bottom())).isEmpty());
+        // The shading fills the box out to its lines: the space between line and text too.
+        const QPoint padding(textLeft - 3, int(one.center().y()));
+        QCOMPARE(drawn.pixel(padding), qRgb(255, 255, 160));
+        QCOMPARE(bare.pixel(padding), qRgb(255, 255, 255));
+        QCOMPARE(drawn.pixel(textLeft + 200, int(one.top()) - 2), qRgb(255, 255, 160));
         // A double line below the next paragraph only: two rules, none above it; the plain
         // paragraphs get none.
         const QList<int> doubled = ruleRows(drawn, 20, 580, int(twice.bottom()), int(below.top()));

@@ -317,7 +317,9 @@ void TestRtfFormats::libreOfficeReadsWhatWeWrite()
         "\\pard\\brdrb\\brdrdb\\brdrw15\\brsp60 ruled\\par\\pard\\tlhyph\\tx2000\\tlul\\tx4000 a\\tab b\\tab c\\par"
         "\\pard {\\caps capitals} {\\scaps small} {\\outl outline} {\\shad shadow} {\\expndtw40 spaced}\\par"
         "\\pard Page {\\field{\\*\\fldinst PAGE}{\\fldrslt 1}} of {\\field{\\*\\fldinst NUMPAGES}{\\fldrslt 1}}, "
-        "{\\field{\\*\\fldinst HYPERLINK \\\\l \"part\"}{\\fldrslt back}}\\par");
+        "{\\field{\\*\\fldinst HYPERLINK \\\\l \"part\"}{\\fldrslt back}}\\par"
+        "\\trowd\\trleft-108\\trrh400\\cellx2000\\cellx4000\\pard\\intbl a\\cell b\\cell\\row"
+        "\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000\\pard\\intbl c\\cell d\\cell\\row\\pard after\\par");
     QTextDocument doc;
     QVERIFY(rtf::readRtf(doc, source).ok);
     QTemporaryDir work;
@@ -356,6 +358,8 @@ void TestRtfFormats::libreOfficeReadsWhatWeWrite()
         QStringLiteral(R"(fo:text-shadow="[^n"][^"]*")"), QStringLiteral(R"(fo:letter-spacing="[^n"][^"]*")"),
         QStringLiteral("<text:page-number"), QStringLiteral("<text:page-count"),
         QStringLiteral(R"(<text:bookmark-start text:name="part")"), QStringLiteral(R"(xlink:href="#part")"),
+        QStringLiteral(R"(style:min-row-height="[^"]+")"), QStringLiteral(R"(style:row-height="[^"]+")"),
+        QStringLiteral(R"(<style:table-properties [^>]*fo:margin-left="-[^"]+")"),
     };
     for (const QString &construct : constructs) {
         const QRegularExpression pattern(construct);

@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -26,11 +27,17 @@ void forEachBlockIn(const QTextDocument &document, const QRectF &clip,
     while (block.isValid() && block.previous().isValid() && layout->blockBoundingRect(block).top() > clip.top())
         block = block.previous();
     for (; block.isValid(); block = block.next()) {
+        if (!block.isVisible())
+            continue;
+        // The editor lays long documents out in steps: past the first paragraph not laid out
+        // yet, none is.
+        const QTextLayout *lines = block.layout();
+        if (!lines || lines->lineCount() == 0)
+            break;
         const QRectF bounds = layout->blockBoundingRect(block);
         if (bounds.top() > clip.bottom())
             break;
-        if (block.isVisible())
-            visit(block, bounds);
+        visit(block, bounds);
     }
 }
 
@@ -52,12 +59,13 @@ void paintUnderText(QPainter &painter, const QTextDocument &document, const QRec
 void paintOverText(QPainter &painter, const QTextDocument &document, const QRectF &clip, const QRectF &borderArea,
                    const QColor &textColour)
 {
-    listmarkers::paint(painter, document, clip, textColour);
     const qreal scale = deviceScale(document);
     forEachBlockIn(document, clip, [&](const QTextBlock &block, const QRectF &bounds) {
         paragraphborders::paintBlock(painter, block, bounds, borderArea, scale, textColour);
         tableaders::paint(painter, document, block, bounds, scale, textColour);
     });
+    // After the borders: a marker hanging out of a shaded box's text stands on its shading.
+    listmarkers::paint(painter, document, clip, textColour);
 }
 
 } // namespace kvrtb::drawnformats

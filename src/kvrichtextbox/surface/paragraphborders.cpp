@@ -5,6 +5,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
+#include <QPainterPath>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -226,7 +227,19 @@ void paintBlock(QPainter &painter, const QTextBlock &block, const QRectF &bounds
     const qreal acrossFrom = left.shown ? leftX - half(left) : textLeft;
     const qreal acrossTo = right.shown ? rightX + half(right) : textRight;
 
+    // The sides run from this paragraph's part of the box to the next one's.
+    const qreal downFrom = !first ? bounds.top() : top.shown ? topY - half(top) : bounds.top();
+    const qreal downTo = !last ? nextBounds.top() : bottom.shown ? bottomY + half(bottom) : bounds.bottom();
+
     painter.save();
+    // Shading fills the box out to its borders; Qt fills the text's part.
+    if (format.background().style() != Qt::NoBrush) {
+        QPainterPath box;
+        box.addRect(QRectF(QPointF(acrossFrom, downFrom), QPointF(acrossTo, downTo)));
+        QPainterPath text;
+        text.addRect(QRectF(QPointF(textLeft, bounds.top()), QPointF(textRight, bounds.bottom())));
+        painter.fillPath(box.subtracted(text), format.background());
+    }
     if (first && top.shown)
         drawRule(painter, top, QPointF(acrossFrom, topY), QPointF(acrossTo, topY), true, scale, textColour);
     if (last && bottom.shown)
@@ -235,9 +248,6 @@ void paintBlock(QPainter &painter, const QTextBlock &block, const QRectF &bounds
         const qreal y = (bounds.bottom() + nextBounds.top()) / 2;
         drawRule(painter, between, QPointF(acrossFrom, y), QPointF(acrossTo, y), true, scale, textColour);
     }
-    // The sides run from this paragraph's part of the box to the next one's.
-    const qreal downFrom = !first ? bounds.top() : top.shown ? topY - half(top) : bounds.top();
-    const qreal downTo = !last ? nextBounds.top() : bottom.shown ? bottomY + half(bottom) : bounds.bottom();
     if (left.shown)
         drawRule(painter, left, QPointF(leftX, downFrom), QPointF(leftX, downTo), false, scale, textColour);
     if (right.shown)

@@ -12,7 +12,13 @@
 // widens the spacing Qt shows above the box's first paragraph and below its last one. That room
 // is for display only: the spacing the paragraph reports and writes back is the one it was
 // given (kept in its twips properties), and the room itself is kept in RoomProperty so that a
-// later change of spacing keeps it.
+// later change of spacing keeps it. The room is worked out when a document is read, not after
+// each edit (changing formats there would enter the user's undo history): a paragraph the user
+// splits inside a box gives both halves its room, which shows as a wider gap inside the box
+// until the document is read again; what is drawn and written stays right.
+//
+// A border that would stand outside the drawing area (a top border above the document's first
+// paragraph, whose spacing above Qt does not show) is drawn at the area's edge.
 
 #include <QTextFormat>
 

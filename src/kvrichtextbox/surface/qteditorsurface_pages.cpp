@@ -163,9 +163,9 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
         context.palette.setColor(QPalette::Text, Qt::black);
         drawnformats::paintUnderText(painter, *copy, context.clip);
         textLayout->draw(&painter, context);
-        // Borders may stand in the page's margins, as the left and right ones of a paragraph
-        // without indents do.
-        const QRectF sheet(-body.left(), view.top() - body.top(), paper.width(), paper.height());
+        // Borders may stand in the page's side margins, as the left and right ones of a
+        // paragraph without indents do; a box that goes on over the next page stops at the body.
+        const QRectF sheet(-body.left(), view.top(), paper.width(), view.height());
         painter.setClipRect(sheet);
         drawnformats::paintOverText(painter, *copy, context.clip, sheet, Qt::black);
         painter.restore();

@@ -4,7 +4,9 @@
 #include "surface/rtf/rtfformats.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainter>
+#include <QRawFont>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
@@ -59,15 +61,33 @@ void drawLeader(QPainter &painter, TabLeader leader, qreal left, qreal right, qr
                        : leader == TabLeader::Equal     ? QLatin1Char('=')
                        : leader == TabLeader::MiddleDot ? QChar(0x00B7)
                                                         : QLatin1Char('.');
-    const qreal advance = metrics.horizontalAdvance(mark);
+    // The mark's glyph repeated: drawing a run of known glyphs spares shaping a string at
+    // every paint.
+    const QRawFont raw = QRawFont::fromFont(font);
+    const QList<quint32> glyph = raw.glyphIndexesForString(QString(mark));
+    const qreal advance = glyph.size() == 1 && glyph[0] != 0 ? raw.advancesForGlyphIndexes(glyph).value(0).x()
+                                                             : metrics.horizontalAdvance(mark);
     if (advance <= 0)
         return;
     // As many marks as fit with half a mark clear of the text before; the last ends at the stop.
     const int count = int(std::floor((right - left - advance / 2) / advance));
     if (count <= 0)
         return;
-    painter.setFont(font);
-    painter.drawText(QPointF(right - count * advance, baseline), QString(count, mark));
+    const QPointF start(right - count * advance, baseline);
+    if (glyph.size() != 1 || glyph[0] == 0) {
+        painter.setFont(font);
+        painter.drawText(start, QString(count, mark));
+        return;
+    }
+    QList<QPointF> positions;
+    positions.reserve(count);
+    for (int i = 0; i < count; ++i)
+        positions.append(QPointF(i * advance, 0));
+    QGlyphRun run;
+    run.setRawFont(raw);
+    run.setGlyphIndexes(QList<quint32>(count, glyph[0]));
+    run.setPositions(positions);
+    painter.drawGlyphRun(start, run);
 }
 
 } // namespace

@@ -369,7 +369,7 @@ void Reader::handleDestinationWord(Word word)
     };
     switch (word) {
     case Word::FontTbl: open(Dest::FontTable); m_fontEntry = -1; m_fontName.clear(); break;
-    case Word::ColorTbl: open(Dest::ColorTable); m_colours.clear(); m_red = m_green = m_blue = -1; m_lastParagraph.valid = false; break;
+    case Word::ColorTbl: open(Dest::ColorTable); m_colours.clear(); m_red = m_green = m_blue = -1; m_builtParagraphs.clear(); break;
     case Word::Field:
         flushText();
         m_fields.push_back(FieldEntry());

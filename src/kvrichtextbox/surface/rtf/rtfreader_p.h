@@ -92,7 +92,7 @@ enum class Word : quint16 {
     PaperW, PaperH, MargL, MargR, MargT, MargB, Landscape, PgWSxn, PgHSxn, MargLSxn, MargRSxn,
     MargTSxn, MargBSxn, LndscpSxn,
     // paragraphs
-    Pard, TrowD, CellX, TrLeft, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
+    Pard, TrowD, CellX, TrLeft, TrRh, ClMgf, ClMrg, ClVmgf, ClVmrg, Ql, Qc, Qr, Qj, Li, Ri, Fi, Sb, Sa, Sl, SlMult, Tx, Intbl, Ls, Ilvl, KvLineRule,
     KvBulletIndent,
     // table rows and cells: borders, shading, padding, alignment, nesting
     Itap, TrGaph, TrPaddL, TrPaddT, TrPaddB, TrPaddR, TrPaddFL, TrPaddFT, TrPaddFB, TrPaddFR, TrQl, TrQc, TrQr,
@@ -303,6 +303,7 @@ struct CellDef {
 struct RowDef {
     int left = 0;
     bool leftGiven = false;
+    int height = 0;        // \trrh: twips, positive at least, negative exactly, 0 automatic
     int gap = -1;          // \trgaph: half the space between cells, twips
     quint8 align = 0;      // 0 left, 1 centre, 2 right
     qint16 padding[4] = {-1, -1, -1, -1};
@@ -399,7 +400,9 @@ private:
     void endParagraph(bool insertBreak);
     void applyParagraph(const ParaState &para);
     // The block format of a paragraph with these properties (m_keptParagraph goes into it).
+    // (A note's paragraphs add the note's own properties to it.)
     QTextBlockFormat paragraphFormat(const ParaState &para, bool pageBreak, bool listParagraph, bool ownIndents);
+    void addNoteProperties(QTextBlockFormat &qt) const;
 
     // destinations: font and colour tables, fields, pictures, list tables
     // (rtfreader_destinations.cpp)
@@ -542,16 +545,16 @@ private:
     int m_parCount = 0;
     bool m_lastWasPar = false;
     ParaState m_documentPara; // the paragraph properties in effect when the document's group closed
-    // The last paragraph format built, and what it was built from.
-    struct {
-        bool valid = false;
+    // The last paragraph formats built, and what each was built from (lists alternate between
+    // a few levels, so a few are kept).
+    struct BuiltParagraph {
         ParaState para;
         bool pageBreak = false;
         bool inNote = false;
-        int noteKind = 0;
-        int noteId = 0;
         QTextBlockFormat format;
-    } m_lastParagraph;
+    };
+    std::vector<BuiltParagraph> m_builtParagraphs;
+    size_t m_nextBuiltParagraph = 0; // the entry the next new format replaces
     bool m_pageBreakPending = false; // the paragraph being read starts a new page
     void pageBreak(bool page);
     // Guarded: Qt deletes a list when its last paragraph leaves it, which happens when a

@@ -124,12 +124,14 @@ QTextBlockFormat Reader::paragraphFormat(const ParaState &para, bool pageBreak, 
         if (ownIndents && para.fi < 0)
             qt.setTextIndent(0);
     }
-    if (m_inNote) {
-        qt.setProperty(NoteKindProperty, m_noteKind);
-        qt.setProperty(NoteIdProperty, m_noteId);
-        qt.setBackground(noteBackground());
-    }
     return qt;
+}
+
+void Reader::addNoteProperties(QTextBlockFormat &qt) const
+{
+    qt.setProperty(NoteKindProperty, m_noteKind);
+    qt.setProperty(NoteIdProperty, m_noteId);
+    qt.setBackground(noteBackground());
 }
 
 void Reader::applyParagraph(const ParaState &para)
@@ -141,26 +143,32 @@ void Reader::applyParagraph(const ParaState &para)
     const bool pageBreak = (m_pageBreakPending || para.pageBreakBefore) && !m_inNote && m_tables.empty();
     const bool listParagraph = para.ls > 0 || para.pn.numbering != 0;
     const bool ownIndents = listParagraph && para.li > 0;
-    // Paragraphs in a row mostly have the same properties: their format is built once.
-    auto &last = m_lastParagraph;
-    const bool reuse = last.valid && m_keptParagraph.isEmpty() && last.pageBreak == pageBreak && last.inNote == m_inNote
-                       && (!m_inNote || (last.noteKind == m_noteKind && last.noteId == m_noteId)) && last.para.sameAs(para);
-    if (reuse) {
-        m_cursor.setBlockFormat(last.format);
+    // Most paragraphs have the properties of one of the last few: their format is built once,
+    // without what makes a note's paragraphs its own. (A paragraph with groups kept for
+    // writing back has a format of its own.)
+    const bool kept = !m_keptParagraph.isEmpty();
+    const auto built = std::find_if(m_builtParagraphs.cbegin(), m_builtParagraphs.cend(), [&](const BuiltParagraph &b) {
+        return b.pageBreak == pageBreak && b.inNote == m_inNote && b.para.sameAs(para);
+    });
+    QTextBlockFormat qt;
+    if (!kept && built != m_builtParagraphs.cend()) {
+        qt = built->format;
     } else {
-        const bool kept = !m_keptParagraph.isEmpty();
-        const QTextBlockFormat qt = paragraphFormat(para, pageBreak, listParagraph, ownIndents);
-        m_cursor.setBlockFormat(qt);
-        last.valid = !kept;
+        qt = paragraphFormat(para, pageBreak, listParagraph, ownIndents);
         if (!kept) {
-            last.para = para;
-            last.pageBreak = pageBreak;
-            last.inNote = m_inNote;
-            last.noteKind = m_noteKind;
-            last.noteId = m_noteId;
-            last.format = qt;
+            BuiltParagraph entry{para, pageBreak, m_inNote, qt};
+            constexpr size_t kBuiltParagraphs = 8;
+            if (m_builtParagraphs.size() < kBuiltParagraphs) {
+                m_builtParagraphs.push_back(std::move(entry));
+            } else {
+                m_builtParagraphs[m_nextBuiltParagraph] = std::move(entry);
+                m_nextBuiltParagraph = (m_nextBuiltParagraph + 1) % kBuiltParagraphs;
+            }
         }
     }
+    if (m_inNote)
+        addNoteProperties(qt);
+    m_cursor.setBlockFormat(qt);
 
     // Lists: \ls paragraphs join the list of their override and level wherever they are;
     // legacy \pn paragraphs join the list of the paragraph before when it is numbered alike.

@@ -3,6 +3,7 @@
 #include "surface/rtf/rtftables.h"
 
 #include <QTextCursor>
+#include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QTextTable>
 
@@ -81,17 +82,19 @@ struct CellLook {
     QColor background;  // invalid: none
     qint16 padding[4] = {-1, -1, -1, -1};
     quint8 vAlign = 0;
+    int rowHeight = 0;  // twips (TableRowHeight), 0: none
 
     bool operator==(const CellLook &o) const
     {
         return std::equal(sides, sides + 4, o.sides) && background == o.background
-               && std::equal(padding, padding + 4, o.padding) && vAlign == o.vAlign;
+               && std::equal(padding, padding + 4, o.padding) && vAlign == o.vAlign && rowHeight == o.rowHeight;
     }
-    // The same border on all four sides and nothing else: the table can draw it instead.
+    // The same border on all four sides and nothing else: the table can draw it instead. (Qt
+    // draws no table border thinner than a pixel when borders collapse: cells draw those.)
     bool uniformBorder() const
     {
-        return sides[0].style > 0 && sides[0].width > 0 && sides[1] == sides[0] && sides[2] == sides[0]
-               && sides[3] == sides[0] && !background.isValid() && vAlign == 0
+        return sides[0].style > 0 && sides[0].width >= kTwipsPerPixel && sides[1] == sides[0] && sides[2] == sides[0]
+               && sides[3] == sides[0] && !background.isValid() && vAlign == 0 && rowHeight == 0
                && std::all_of(padding, padding + 4, [](qint16 p) { return p < 0; });
     }
     QTextTableCellFormat toFormat() const
@@ -128,6 +131,8 @@ struct CellLook {
             qt.setVerticalAlignment(QTextCharFormat::AlignMiddle);
         else if (vAlign == 2)
             qt.setVerticalAlignment(QTextCharFormat::AlignBottom);
+        if (rowHeight != 0)
+            qt.setProperty(TableRowHeight, rowHeight);
         return qt;
     }
 };
@@ -139,7 +144,18 @@ size_t qHash(const CellLook &look, size_t seed = 0)
         seed = hash(hash(hash(seed, side.style), side.width), side.colour.rgba());
     for (qint16 p : look.padding)
         seed = hash(seed, p);
-    return hash(hash(seed, look.vAlign), look.background.isValid() ? look.background.rgba() : 0u);
+    seed = hash(hash(seed, look.vAlign), look.rowHeight);
+    return hash(seed, look.background.isValid() ? look.background.rgba() : 0u);
+}
+
+// True when the cell's format says only that it is a cell of its table, and how far it spans.
+bool isBareCellFormat(const QTextCharFormat &format)
+{
+    int own = 0;
+    for (const int property : {int(QTextFormat::ObjectIndex), int(QTextFormat::ObjectType),
+                               int(QTextFormat::TableCellRowSpan), int(QTextFormat::TableCellColumnSpan)})
+        own += format.hasProperty(property);
+    return format.propertyCount() == own;
 }
 
 // A merge of cells the layout asks of the table, and the look a cell gets (-1: the filler's).
@@ -201,8 +217,14 @@ void Reader::applyTableLayout(TableBuild &build)
     const RowDef &first = build.rowDefs.front();
     if (first.gap >= 0)
         tableFormat.setCellPadding(format::twipsToPixels(first.gap));
-    if (grid.front() > 0)
+    if (grid.front() > 0) {
         tableFormat.setLeftMargin(format::twipsToPixels(grid.front()));
+    } else if (grid.front() < 0) {
+        // Drawn into the document's margin, as far as there is room (the view shows nothing
+        // left of it); the edge itself is kept to be written back.
+        tableFormat.setProperty(TableLeftEdge, grid.front());
+        tableFormat.setLeftMargin(std::max(format::twipsToPixels(grid.front()), -m_doc.documentMargin()));
+    }
     tableFormat.setAlignment(first.align == 1 ? Qt::AlignHCenter : first.align == 2 ? Qt::AlignRight : Qt::AlignLeft);
     table->setFormat(tableFormat);
 
@@ -244,6 +266,7 @@ void Reader::applyTableLayout(TableBuild &build)
         for (int side = 0; side < 4; ++side)
             look.padding[side] = cell.padding[side] >= 0 ? cell.padding[side] : def.padding[side];
         look.vAlign = cell.vAlign;
+        look.rowHeight = def.height;
         return look;
     };
     std::vector<CellLook> looks;
@@ -353,10 +376,16 @@ void Reader::applyTableLayout(TableBuild &build)
     formats.reserve(looks.size());
     for (const CellLook &look : looks)
         formats.push_back(look.toFormat());
-    // Every cell gets its format, also one that gives nothing: a cell's format replaces the
-    // character format its first paragraph had while the cell was read.
-    for (const CellPlan &plan : cells)
-        table->cellAt(plan.row, plan.column).setFormat(formats[size_t(plan.look)]);
+    // A cell's format also replaces the character format its first paragraph had while the
+    // cell was read (Qt keeps both in one place); a cell whose look gives nothing and whose
+    // format holds nothing else keeps the one it has.
+    const CellLook plain;
+    for (const CellPlan &plan : cells) {
+        QTextTableCell cell = table->cellAt(plan.row, plan.column);
+        if (looks[size_t(plan.look)] == plain && isBareCellFormat(cell.format()))
+            continue;
+        cell.setFormat(formats[size_t(plan.look)]);
+    }
 }
 
 } // namespace kvrtb::rtf::detail

@@ -277,6 +277,7 @@ void Reader::tableWord(Word word, std::string_view name, bool hasParam, int para
         def.left = twips;
         def.leftGiven = true;
         break;
+    case Word::TrRh: def.height = twips; break;
     case Word::ClMgf: cell.merge |= MergeFirst; break;
     case Word::ClMrg: cell.merge |= MergeContinue; break;
     case Word::ClVmgf: cell.merge |= MergeDownFirst; break;

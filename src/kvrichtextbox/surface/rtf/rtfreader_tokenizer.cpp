@@ -73,7 +73,7 @@ std::unordered_map<std::string_view, Word> wordList()
         {"afs", Word::Afs}, {"rtlch", Word::RtlCh}, {"ltrch", Word::LtrCh}, {"hich", Word::HiCh},
         {"dbch", Word::DbCh}, {"loch", Word::LoCh}, {"rtlpar", Word::RtlPar}, {"ltrpar", Word::LtrPar},
         // paragraphs
-        {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft},
+        {"pard", Word::Pard}, {"trowd", Word::TrowD}, {"cellx", Word::CellX}, {"trleft", Word::TrLeft}, {"trrh", Word::TrRh},
         {"clmgf", Word::ClMgf}, {"clmrg", Word::ClMrg}, {"clvmgf", Word::ClVmgf}, {"clvmrg", Word::ClVmrg}, {"ql", Word::Ql}, {"qc", Word::Qc}, {"qr", Word::Qr}, {"qj", Word::Qj},
         {"li", Word::Li}, {"ri", Word::Ri}, {"fi", Word::Fi}, {"sb", Word::Sb}, {"sa", Word::Sa},
         {"sl", Word::Sl}, {"slmult", Word::SlMult}, {"tx", Word::Tx}, {"intbl", Word::Intbl},
@@ -162,9 +162,14 @@ public:
         }
     }
 
-    Word find(std::string_view name) const
+    // The name's hash is worked out a byte at a time (FNV-1a) while the name is scanned.
+    static constexpr quint32 kHashSeed = 2166136261u;
+    static quint32 hashStep(quint32 hash, unsigned char c) { return (hash ^ c) * 16777619u; }
+
+    // The kind of the word \a name whose hash is \a hash.
+    Word find(std::string_view name, quint32 hash) const
     {
-        for (size_t i = hash(name) & m_mask;; i = (i + 1) & m_mask) {
+        for (size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
             const Slot &slot = m_slots[i];
             if (slot.word == Word::Unknown || slot.name == name)
                 return slot.word;
@@ -172,11 +177,11 @@ public:
     }
 
 private:
-    static size_t hash(std::string_view name)
+    static quint32 hash(std::string_view name)
     {
-        quint32 h = 2166136261u; // FNV-1a
+        quint32 h = kHashSeed;
         for (const char c : name)
-            h = (h ^ quint8(c)) * 16777619u;
+            h = hashStep(h, quint8(c));
         return h;
     }
 
@@ -244,6 +249,7 @@ void Reader::run(const QByteArray &bytes)
 
 void Reader::parse()
 {
+    const WordIndex &words = wordIndex();
     while (m_p < m_end && !m_finished) {
         const char c = *m_p;
         if (top().dest == Dest::Skip && m_started) {
@@ -266,9 +272,15 @@ void Reader::parse()
             const char d = *m_p;
             if ((d >= 'a' && d <= 'z') || (d >= 'A' && d <= 'Z')) {
                 const char *nameStart = m_p;
-                while (m_p < m_end && m_p - nameStart < 32
-                       && ((*m_p >= 'a' && *m_p <= 'z') || (*m_p >= 'A' && *m_p <= 'Z')))
+                const char *nameLimit = std::min(m_end, m_p + 32);
+                quint32 hash = WordIndex::kHashSeed;
+                while (m_p < nameLimit) {
+                    const auto letter = static_cast<unsigned char>(*m_p);
+                    if (unsigned((letter | 0x20) - 'a') >= 26)
+                        break; // not an ASCII letter
+                    hash = WordIndex::hashStep(hash, letter);
                     ++m_p;
+                }
                 const std::string_view name(nameStart, size_t(m_p - nameStart));
                 bool hasParam = false;
                 bool negative = false;
@@ -289,7 +301,7 @@ void Reader::parse()
                     ++m_p;
                 value = std::clamp(value, 0LL, 2147483647LL);
                 const int param = negative ? -int(value) : int(value);
-                const Word word = wordIndex().find(name);
+                const Word word = words.find(name, hash);
                 if (!m_started) {
                     if (word == Word::Rtf && m_stack.size() == 2) {
                         m_started = true;

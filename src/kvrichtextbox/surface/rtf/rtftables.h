@@ -6,6 +6,9 @@
 // starts further right or ends further left) gets filler cells for the space it does not
 // cover: they have no borders, take no text from the source and are not written back.
 //
+// A table whose row definitions start left of the margin (negative \trleft) gets a negative
+// left margin, and draws into the document's margin (TableLeftEdge).
+//
 // Borders, shading, padding and vertical alignment are kept per cell in the cell's format
 // (QTextTableCellFormat); the table itself draws no border of its own (border collapse, width
 // 0), so a table whose source gives no borders is shown without lines.
@@ -22,6 +25,14 @@ enum TableProperty {
     /// table: the source wrote this paragraph. Qt keeps an empty paragraph there in any case;
     /// without this property it is only Qt's, and is not written.
     EmptyParagraphBeforeTable = QTextFormat::UserProperty + 73,
+    /// int, on the format of each cell of a row that gives one: the row's height in twips,
+    /// positive for a least height, negative for an exact one. Qt's tables have no row
+    /// heights, so it is kept and written back but does not change how the row is drawn.
+    TableRowHeight = QTextFormat::UserProperty + 74,
+    /// int, on a table's format when its rows start left of the margin (a negative \trleft):
+    /// that edge in twips. The table's left margin is as near to it as the document's margin
+    /// lets the table be drawn.
+    TableLeftEdge = QTextFormat::UserProperty + 75,
 };
 
 } // namespace kvrtb::rtf

@@ -94,6 +94,15 @@ void Writer::writeRowDefinition(const QTextTable *table, int r, const std::vecto
         word("trqc");
     else if (tableFormat.alignment() & Qt::AlignRight)
         word("trqr");
+    // The row's height is kept on the cells that start in the row.
+    for (int c = 0; c < columns; ++c) {
+        const QTextTableCell cell = table->cellAt(r, c);
+        if (cell.row() != r || cell.column() != c || isFiller(cell))
+            continue;
+        if (const int height = cell.format().intProperty(TableRowHeight))
+            word("trrh", height);
+        break;
+    }
     for (int c = 0; c < columns; ++c) {
         const QTextTableCell cell = table->cellAt(r, c);
         if (cell.column() != c || isFiller(cell))
@@ -175,7 +184,8 @@ void Writer::writeTable(const QTextTable *table)
     // equal share of a 6.25 inch line.
     constexpr int kLineTwips = 9000;
     const QList<QTextLength> constraints = tableFormat.columnWidthConstraints();
-    const int left = format::pixelsToTwips(tableFormat.leftMargin());
+    const int left = tableFormat.hasProperty(TableLeftEdge) ? tableFormat.intProperty(TableLeftEdge)
+                                                            : format::pixelsToTwips(tableFormat.leftMargin());
     std::vector<int> rights;
     rights.reserve(size_t(columns));
     int right = left;

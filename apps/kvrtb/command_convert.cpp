@@ -5,6 +5,7 @@
 #include "documentconvert.h"
 
 #include "documents/textfileformat.h"
+#include "surface/paragraphborders.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
 
@@ -88,8 +89,15 @@ QString saveDocument(const QTextDocument &doc, const QString &path)
             return QStringLiteral("cannot write \"%1\": %2").arg(path, file.errorString());
         return QString();
     }
+    // The room the control's display gives paragraph borders is not the paragraphs' spacing:
+    // other formats get the document without it.
+    std::unique_ptr<QTextDocument> withoutRoom;
+    if (kvrtb::paragraphborders::hasRoom(doc)) {
+        withoutRoom.reset(doc.clone());
+        kvrtb::paragraphborders::takeRoom(*withoutRoom);
+    }
     QTextDocumentWriter writer(path, format == Format::Html ? "html" : format == Format::Markdown ? "markdown" : "odf");
-    if (!writer.write(&doc))
+    if (!writer.write(withoutRoom ? withoutRoom.get() : &doc))
         return QStringLiteral("cannot write \"%1\": %2").arg(path, writer.device() ? writer.device()->errorString() : QString());
     return QString();
 }

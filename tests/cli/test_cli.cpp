@@ -90,6 +90,13 @@ private slots:
         QCOMPARE(run.code, 0);
         QVERIFY(!run.out.contains("<b and"));
 
+        // The room the editor gives a paragraph's borders is not written to HTML as spacing.
+        run = runTool({QStringLiteral("convert"), QStringLiteral("--to"), QStringLiteral("html"), QStringLiteral("-"),
+                       QStringLiteral("-")},
+                      QByteArray("{\\rtf1\\ansi plain\\par\\pard\\sb120\\box\\brdrs\\brdrw30\\brsp80 boxed\\par}"));
+        QCOMPARE(run.code, 0);
+        QVERIFY2(run.out.contains("margin-top:8px;") && !run.out.contains("margin-top:15"), qPrintable(run.out));
+
         // Plain text in, RTF out; the format of standard input by --from.
         run = runTool({QStringLiteral("convert"), QStringLiteral("--from"), QStringLiteral("txt"), QStringLiteral("--to"),
                      QStringLiteral("rtf"), QStringLiteral("-"), QStringLiteral("-")},

@@ -11,14 +11,20 @@
 #include "printing/printing.h"
 #include "testsupport.h"
 
+#include <QApplication>
 #include <QDate>
 #include <QFile>
+#include <QImage>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
+#include <QTimer>
 
 using namespace kvrtb;
 
@@ -96,6 +102,50 @@ PrintedWord printed(const QList<PrintedWord> &words, const QString &text)
 QString squeezed(const QString &text)
 {
     return text.simplified();
+}
+
+/// The widths of ink of each line of text within \a area of \a image, top to bottom: a line is a
+/// band of rows with dark pixels.
+QList<int> lineInkWidths(const QImage &image, const QRect &area)
+{
+    QList<int> widths;
+    int left = -1;
+    int right = -1;
+    for (int y = area.top(); y <= area.bottom() + 1; ++y) {
+        int rowLeft = -1;
+        int rowRight = -1;
+        for (int x = area.left(); y <= area.bottom() && x <= area.right(); ++x) {
+            if (qGray(image.pixel(x, y)) < 128) {
+                rowLeft = rowLeft < 0 ? x : rowLeft;
+                rowRight = x;
+            }
+        }
+        if (rowLeft >= 0) {
+            left = left < 0 ? rowLeft : std::min(left, rowLeft);
+            right = std::max(right, rowRight);
+        } else if (left >= 0) {
+            widths << right - left + 1;
+            left = right = -1;
+        }
+    }
+    return widths;
+}
+
+/// The white paper of a previewed page (the preview's grey background and the page's shadow
+/// left out): the run of white around the middle of the grabbed preview's middle row.
+QRect previewedPaper(const QImage &image)
+{
+    const int y = image.height() / 2;
+    const auto white = [&](int x) { return qGray(image.pixel(x, y)) >= 250; };
+    int left = image.width() / 2;
+    int right = left;
+    if (!white(left))
+        return QRect();
+    while (left > 0 && white(left - 1))
+        --left;
+    while (right + 1 < image.width() && white(right + 1))
+        ++right;
+    return QRect(left + 4, 0, right - left - 8, image.height());
 }
 
 } // namespace
@@ -358,6 +408,50 @@ private slots:
         bool byName = !installed;
         QVERIFY(QMetaObject::invokeMethod(&control, "PrinterInstalled", Q_RETURN_ARG(bool, byName)));
         QCOMPARE(byName, installed);
+    }
+
+    void previewShowsSmallCapitalsAsTheEditorDoes()
+    {
+        // The preview records its pages and plays them back; small capitals must come back as
+        // wide as the editor shows them, measured against the same words in full capitals.
+        KvRTB control;
+        control.resize(900, 300);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        control.setTextRTF(QStringLiteral("{\\rtf1\\ansi\\pard\\sa480\\fs56 {\\scaps Small capitals here}\\par"
+                                          "\\pard\\fs56 {\\caps Small capitals here}\\par}"));
+        QApplication::processEvents();
+        QWidget *viewport = control.findChild<QTextEdit *>()->viewport();
+        const QImage screen = viewport->grab().toImage();
+        const QList<int> onScreen = lineInkWidths(screen, screen.rect());
+        QCOMPARE(onScreen.size(), 2);
+        const double screenRatio = double(onScreen[0]) / onScreen[1];
+        QVERIFY2(screenRatio > 0.6 && screenRatio < 0.95, qPrintable(QString::number(screenRatio)));
+
+        QImage page;
+        bool sawDialog = false;
+        QTimer::singleShot(0, [&] {
+            auto *dialog = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            sawDialog = dialog->objectName() == QStringLiteral("PrintPreview");
+            auto *preview = dialog->findChild<QPrintPreviewWidget *>();
+            dialog->resize(900, 1000);
+            preview->fitToWidth();
+            preview->updatePreview();
+            QApplication::processEvents();
+            page = preview->grab().toImage();
+            dialog->reject();
+        });
+        control.ShowPrintPreview();
+        QVERIFY(sawDialog);
+        const QRect paper = previewedPaper(page);
+        QVERIFY(paper.width() > 300);
+        const QList<int> previewed = lineInkWidths(page, paper);
+        QVERIFY(previewed.size() >= 2);
+        const double previewRatio = double(previewed[0]) / previewed[1];
+        QVERIFY2(qAbs(previewRatio - screenRatio) < 0.08,
+                 qPrintable(QStringLiteral("preview %1, screen %2").arg(previewRatio).arg(screenRatio)));
     }
 
     void documentPaperAndMarginsArePrinted()

@@ -7,6 +7,7 @@
 #include "surface/rtf/rtftables.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
+#include "rtftesthelpers.h"
 #include "testregistry.h"
 #include "testsupport.h"
 
@@ -894,14 +895,7 @@ void TestRtf::selectionWriteAndInsert()
 
 namespace {
 
-QTextTable *firstTable(const QTextDocument &doc)
-{
-    for (QTextFrame *frame : doc.rootFrame()->childFrames()) {
-        if (auto *table = qobject_cast<QTextTable *>(frame))
-            return table;
-    }
-    return nullptr;
-}
+using test::firstTable;
 
 // "r,c:rows x columns" for every cell that starts a span, then the column widths in pixels.
 QString tableLayout(const QTextTable *table)
@@ -1010,21 +1004,7 @@ void checkTableRoundTrip(const QTextDocument &doc, const QByteArray &written)
     QCOMPARE(rtf::writeRtf(back), written);
 }
 
-// The share of the rendered document's pixels that are not white.
-int inkedPixels(QTextDocument &doc)
-{
-    QImage image(doc.size().toSize().expandedTo(QSize(1, 1)), QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    doc.drawContents(&painter);
-    painter.end();
-    int inked = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            inked += image.pixel(x, y) != qRgb(255, 255, 255);
-    }
-    return inked;
-}
+using test::inkedPixels;
 
 } // namespace
 

@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QImage>
+#include <QMimeData>
 #include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
@@ -253,6 +254,50 @@ private slots:
         QVERIFY(!paragraphborders::hasBorders(none.findBlockByNumber(1).blockFormat()));
         QCOMPARE(none.findBlockByNumber(2).blockFormat().topMargin(), 0.0);
         QVERIFY(ruleRows(render(none, Drawn::Everything), 20, 580, 0, int(none.size().height())).isEmpty());
+    }
+
+    void copiesLeaveTheRoomForBordersBehind()
+    {
+        // A box whose first paragraph has 120 twips (8 px) of spacing above: the room for its
+        // top line stands on top of that on screen, but no copy of it may carry the room.
+        RecordingPlatformServices services;
+        KvRTB control(services);
+        control.resize(700, 400);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        control.setTextRTF(QString::fromLatin1(kBorderDocument).replace(QStringLiteral("\\cbpat2 boxed one"),
+                                                                        QStringLiteral("\\cbpat2\\sb120 boxed one")));
+        auto *edit = control.findChild<QTextEdit *>();
+        const QTextDocument &doc = *edit->document();
+        QVERIFY(doc.findBlockByNumber(1).blockFormat().topMargin() > 8 + 7);
+
+        edit->setFocus();
+        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_C, Qt::ControlModifier);
+        const QMimeData *copied = QApplication::clipboard()->mimeData();
+        QCOMPARE(copied->text(), doc.toPlainText());
+        QVERIFY(copied->hasFormat(QStringLiteral("application/vnd.oasis.opendocument.text")));
+        QTextDocument html;
+        html.setHtml(copied->html());
+        QCOMPARE(html.toPlainText(), doc.toPlainText());
+        const QList<std::pair<int, int>> given{{0, 0}, {1, 8}, {2, 0}, {3, 0}, {4, 0}}; // block, px above
+        for (const auto &[block, above] : given) {
+            QCOMPARE(html.findBlockByNumber(block).blockFormat().topMargin(), qreal(above));
+            QCOMPARE(html.findBlockByNumber(block).blockFormat().bottomMargin(), 0.0);
+        }
+
+        // Pasted back at the end, the box gets its room once, as the original has it.
+        QTest::keyClick(edit, Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(doc.blockCount(), 9);
+        QCOMPARE(doc.findBlockByNumber(5).text(), QStringLiteral("boxed one"));
+        for (int i = 1; i <= 3; ++i) {
+            QCOMPARE(doc.findBlockByNumber(i + 4).blockFormat().topMargin(), doc.findBlockByNumber(i).blockFormat().topMargin());
+            QCOMPARE(doc.findBlockByNumber(i + 4).blockFormat().bottomMargin(),
+                     doc.findBlockByNumber(i).blockFormat().bottomMargin());
+        }
+        QCOMPARE(*format::readPara(doc.findBlockByNumber(5)).spaceBefore, 120);
+        control.SetRTBChanged(false);
     }
 
     void leadersFillTheGapBeforeTheirStop()

@@ -6,6 +6,7 @@
 #include "surface/rtf/rtfformats.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
+#include "rtftesthelpers.h"
 #include "testregistry.h"
 
 #include <QFile>
@@ -28,17 +29,7 @@ QByteArray rtfOf(const QByteArray &body)
     return "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}{\\colortbl;\\red255\\green0\\blue0;\\red0\\green0\\blue255;}" + body + "}";
 }
 
-// Reads \a rtf, checks that what it writes reads back to the same bytes, and returns them.
-QByteArray writtenStably(QTextDocument &doc, const QByteArray &rtf)
-{
-    if (!rtf::readRtf(doc, rtf).ok)
-        return "not read";
-    const QByteArray written = rtf::writeRtf(doc);
-    QTextDocument back;
-    if (!rtf::readRtf(back, written).ok || rtf::writeRtf(back) != written || back.toPlainText() != doc.toPlainText())
-        return "unstable: " + written;
-    return written;
-}
+using test::writtenStably;
 
 // The fragments of the document's first paragraph: (text, format).
 QList<QPair<QString, QTextCharFormat>> runs(const QTextBlock &block)

@@ -1,14 +1,15 @@
 // Table rows as read from RTF: heights, a left edge left of the margin, and long tables whose
 // rows have different numbers of cells, each cell's text in its own cell.
 
+#include "control/kvrtb.h"
+#include "core/recordingplatformservices.h"
+#include "rtftesthelpers.h"
 #include "testregistry.h"
 #include "surface/formatmapping.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtftables.h"
 #include "surface/rtf/rtfwriter.h"
 
-#include <QImage>
-#include <QPainter>
 #include <QTest>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -18,15 +19,6 @@
 using namespace kvrtb;
 
 namespace {
-
-QTextTable *firstTableOf(const QTextDocument &doc)
-{
-    for (QTextFrame *frame : doc.rootFrame()->childFrames()) {
-        if (auto *table = qobject_cast<QTextTable *>(frame))
-            return table;
-    }
-    return nullptr;
-}
 
 QString textOf(const QTextTableCell &cell)
 {
@@ -40,18 +32,6 @@ QVariant heightOf(const QTextTable *table, int row, int column)
 {
     const QTextCharFormat format = table->cellAt(row, column).format();
     return format.hasProperty(rtf::TableRowHeight) ? QVariant(format.intProperty(rtf::TableRowHeight)) : QVariant(QStringLiteral("none"));
-}
-
-// Reads the RTF, writes it, and checks that reading and writing that again changes nothing.
-QByteArray writtenStably(QTextDocument &doc, const QByteArray &rtfText)
-{
-    if (!rtf::readRtf(doc, rtfText).ok)
-        return "not read";
-    const QByteArray out = rtf::writeRtf(doc);
-    QTextDocument back;
-    if (!rtf::readRtf(back, out).ok || back.toPlainText() != doc.toPlainText() || rtf::writeRtf(back) != out)
-        return "unstable: " + out;
-    return out;
 }
 
 } // namespace
@@ -69,8 +49,8 @@ private slots:
                                   "\\trowd\\trleft-108\\cellx2000\\cellx4000\\pard\\intbl e\\cell f\\cell\\row\n"
                                   "\\pard after\\par}";
         QTextDocument doc;
-        const QByteArray out = writtenStably(doc, source);
-        QTextTable *table = firstTableOf(doc);
+        const QByteArray out = test::writtenStably(doc, source);
+        QTextTable *table = test::firstTable(doc);
         QVERIFY(table);
         QCOMPARE(doc.toPlainText(), QStringLiteral("\na\nb\nc\nd\ne\nf\nafter"));
         QCOMPARE(heightOf(table, 0, 0), QVariant(400));
@@ -87,14 +67,14 @@ private slots:
         // Cells that all share one border get it from the table; the heights stay on the cells.
         const QByteArray box = "\\clbrdrt\\brdrs\\clbrdrl\\brdrs\\clbrdrb\\brdrs\\clbrdrr\\brdrs";
         QTextDocument boxed;
-        const QByteArray boxedOut = writtenStably(boxed, "{\\rtf1\\trowd\\trrh300" + box + "\\cellx2000" + box
+        const QByteArray boxedOut = test::writtenStably(boxed, "{\\rtf1\\trowd\\trrh300" + box + "\\cellx2000" + box
                                                              + "\\cellx4000\\intbl x\\cell y\\cell\\row}");
-        QCOMPARE(heightOf(firstTableOf(boxed), 0, 1), QVariant(300));
+        QCOMPARE(heightOf(test::firstTable(boxed), 0, 1), QVariant(300));
         QVERIFY2(boxedOut.contains("\\trowd\\trrh300\\clbrdrt"), boxedOut.constData());
 
         // A nested table's rows have their heights in their own definitions.
         QTextDocument nested;
-        const QByteArray nestedOut = writtenStably(
+        const QByteArray nestedOut = test::writtenStably(
             nested, "{\\rtf1\\trowd\\cellx5000\\pard\\intbl\\itap2 in\\nestcell{\\*\\nesttableprops\\trowd\\trrh-250"
                     "\\cellx3000\\nestrow}{\\nonesttables\\par}\\pard\\intbl\\itap1\\cell\\row\\pard after\\par}");
         QVERIFY2(nestedOut.contains("{\\*\\nesttableprops\\trowd\\trrh-250\\cellx3000"), nestedOut.constData());
@@ -102,12 +82,36 @@ private slots:
         // Out-of-range values are held to 22 inches either way; the text is all there (the
         // second row starts at the margin, right of the first: a filler cell covers the gap).
         QTextDocument wild;
-        const QByteArray wildOut = writtenStably(
+        const QByteArray wildOut = test::writtenStably(
             wild, "{\\rtf1\\trowd\\trleft-99999\\trrh99999999\\cellx-5\\cellx100\\intbl p\\cell q\\cell\\row\\trowd"
                   "\\trrh-2147483647\\cellx100\\intbl r\\cell\\row}");
         QCOMPARE(wild.toPlainText(), QStringLiteral("\np\nq\n\nr\n"));
         QVERIFY2(wildOut.contains("\\trowd\\trleft-31680\\trrh31680\\"), wildOut.constData());
         QVERIFY(wildOut.contains("\\trrh-31680\\"));
+    }
+
+    void editedInTheControlTheRowsKeepTheirDefinitions()
+    {
+        // A user opens the document in the control, types before the table and saves: the row
+        // heights and the left edge are still there, and so is every character.
+        RecordingPlatformServices services;
+        KvRTB control(services);
+        control.resize(500, 300);
+        control.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&control));
+        control.setTextRTF(QString::fromLatin1(
+            "{\\rtf1\\ansi\\pard Before\\par\\trowd\\trleft-108\\trrh400\\cellx2000\\cellx4000\\pard\\intbl a\\cell b\\cell"
+            "\\row\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000\\pard\\intbl c\\cell d\\cell\\row\\pard after\\par}"));
+        QWidget *editor = control.RichTextBox1().widget();
+        editor->setFocus();
+        QTest::keyClick(editor, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("Typed "));
+        const QString saved = control.TextRTF();
+        QVERIFY2(saved.contains(QLatin1String("\\trowd\\trleft-108\\trrh400\\cellx2000\\cellx4000")), qPrintable(saved));
+        QVERIFY(saved.contains(QLatin1String("\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000")));
+        QTextDocument back;
+        QVERIFY(rtf::readRtf(back, saved.toLatin1()).ok);
+        QCOMPARE(back.toPlainText(), QStringLiteral("Typed Before\na\nb\nc\nd\nafter"));
     }
 
     void sharedBordersAreDrawnAtAnyWidth()
@@ -119,19 +123,10 @@ private slots:
             const QByteArray box = "\\clbrdrt" + side + "\\clbrdrl" + side + "\\clbrdrb" + side + "\\clbrdrr" + side;
             const QByteArray row = "\\trowd" + box + "\\cellx1500" + box + "\\cellx3000\\intbl\\cell\\cell\\row";
             QTextDocument doc;
-            const QByteArray out = writtenStably(doc, "{\\rtf1" + row + row + "}");
+            const QByteArray out = test::writtenStably(doc, "{\\rtf1" + row + row + "}");
             QCOMPARE(int(out.count("\\clbrdrl" + side)), 4);
-            QImage picture(300, 120, QImage::Format_RGB32);
-            picture.fill(Qt::white);
-            QPainter painter(&picture);
-            doc.drawContents(&painter);
-            painter.end();
-            int dark = 0;
-            for (int y = 0; y < picture.height(); ++y) {
-                for (int x = 0; x < picture.width(); ++x)
-                    dark += qGray(picture.pixel(x, y)) < 160;
-            }
-            QVERIFY2(dark > 200, qPrintable(QStringLiteral("%1 twips: %2 dark pixels").arg(twips).arg(dark)));
+            const int inked = test::inkedPixels(doc);
+            QVERIFY2(inked > 200, qPrintable(QStringLiteral("%1 twips: %2 pixels drawn").arg(twips).arg(inked)));
         }
     }
 
@@ -153,7 +148,7 @@ private slots:
         source += "\\pard after\\par}";
         QTextDocument doc;
         QVERIFY(rtf::readRtf(doc, source).ok);
-        QTextTable *table = firstTableOf(doc);
+        QTextTable *table = test::firstTable(doc);
         QVERIFY(table);
         QCOMPARE(table->rows(), rows);
         QCOMPARE(table->columns(), 4);

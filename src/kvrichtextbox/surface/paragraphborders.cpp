@@ -152,44 +152,82 @@ qreal roomBelow(const QTextBlockFormat &format)
     return roomOf(format).at(1);
 }
 
+namespace {
+
+bool bordersOrRoom(const QTextFormat &format)
+{
+    return format.isBlockFormat() && (format.hasProperty(rtf::ParagraphBorders) || format.hasProperty(RoomProperty));
+}
+
+// The room \a block's part of its box needs above and below it (pixels).
+QList<qreal> roomNeeded(const QTextBlock &block, const QTextBlockFormat &format)
+{
+    const Borders borders = bordersOf(format);
+    qreal above = 0;
+    qreal below = 0;
+    if (borders.any) {
+        const Side &top = borders[rtf::BorderSide::Top];
+        const Side &bottom = borders[rtf::BorderSide::Bottom];
+        const Side &between = borders[rtf::BorderSide::Between];
+        const bool last = lastOfBox(block, format);
+        if (top.shown && firstOfBox(block, format))
+            above = top.space + top.thickness();
+        if (bottom.shown && last)
+            below = bottom.space + bottom.thickness();
+        else if (between.shown && !last)
+            below = 2 * between.space + between.thickness();
+    }
+    return {above, below};
+}
+
+// Gives \a block the room \a room (pixels above, below) in place of the one it has, through
+// \a cursor; a block that has that room already is left alone.
+void giveRoom(QTextCursor &cursor, const QTextBlock &block, const QList<qreal> &room)
+{
+    QTextBlockFormat format = block.blockFormat();
+    const QList<qreal> old = roomOf(format);
+    if (qFuzzyCompare(1 + room[0], 1 + old[0]) && qFuzzyCompare(1 + room[1], 1 + old[1]))
+        return;
+    format.setTopMargin(std::max<qreal>(0, format.topMargin() - old[0] + room[0]));
+    format.setBottomMargin(std::max<qreal>(0, format.bottomMargin() - old[1] + room[1]));
+    if (room[0] > 0 || room[1] > 0)
+        format.setProperty(RoomProperty, QVariant::fromValue(room));
+    else
+        format.clearProperty(RoomProperty);
+    cursor.setPosition(block.position());
+    cursor.setBlockFormat(format);
+}
+
+} // namespace
+
+bool hasRoom(const QTextDocument &document)
+{
+    const QList<QTextFormat> formats = document.allFormats();
+    return std::any_of(formats.cbegin(), formats.cend(),
+                       [](const QTextFormat &f) { return f.isBlockFormat() && f.hasProperty(RoomProperty); });
+}
+
 void makeRoom(QTextDocument &document)
 {
     const QList<QTextFormat> formats = document.allFormats();
-    if (std::none_of(formats.cbegin(), formats.cend(), [](const QTextFormat &f) {
-            return f.isBlockFormat() && (f.hasProperty(rtf::ParagraphBorders) || f.hasProperty(RoomProperty));
-        }))
+    if (std::none_of(formats.cbegin(), formats.cend(), bordersOrRoom))
         return;
     QTextCursor cursor(&document);
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        QTextBlockFormat format = block.blockFormat();
-        if (!format.hasProperty(rtf::ParagraphBorders) && !format.hasProperty(RoomProperty))
-            continue;
-        const Borders borders = bordersOf(format);
-        qreal above = 0;
-        qreal below = 0;
-        if (borders.any) {
-            const Side &top = borders[rtf::BorderSide::Top];
-            const Side &bottom = borders[rtf::BorderSide::Bottom];
-            const Side &between = borders[rtf::BorderSide::Between];
-            const bool last = lastOfBox(block, format);
-            if (top.shown && firstOfBox(block, format))
-                above = top.space + top.thickness();
-            if (bottom.shown && last)
-                below = bottom.space + bottom.thickness();
-            else if (between.shown && !last)
-                below = 2 * between.space + between.thickness();
-        }
-        const QList<qreal> old = roomOf(format);
-        if (qFuzzyCompare(1 + above, 1 + old[0]) && qFuzzyCompare(1 + below, 1 + old[1]))
-            continue;
-        format.setTopMargin(std::max<qreal>(0, format.topMargin() - old[0] + above));
-        format.setBottomMargin(std::max<qreal>(0, format.bottomMargin() - old[1] + below));
-        if (above > 0 || below > 0)
-            format.setProperty(RoomProperty, QVariant::fromValue(QList<qreal>{above, below}));
-        else
-            format.clearProperty(RoomProperty);
-        cursor.setPosition(block.position());
-        cursor.setBlockFormat(format);
+        const QTextBlockFormat format = block.blockFormat();
+        if (bordersOrRoom(format))
+            giveRoom(cursor, block, roomNeeded(block, format));
+    }
+}
+
+void takeRoom(QTextDocument &document)
+{
+    if (!hasRoom(document))
+        return;
+    QTextCursor cursor(&document);
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().hasProperty(RoomProperty))
+            giveRoom(cursor, block, {0, 0});
     }
 }
 

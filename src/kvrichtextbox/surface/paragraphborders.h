@@ -49,6 +49,15 @@ qreal roomBelow(const QTextBlockFormat &format);
 /// user (reading a document). Does nothing, quickly, in a document without paragraph borders.
 void makeRoom(QTextDocument &document);
 
+/// \brief True when a paragraph of \a document has room for borders in its spacing.
+bool hasRoom(const QTextDocument &document);
+
+/// \brief Takes the room `makeRoom` gave out of the spacing of every paragraph of \a document,
+/// leaving the spacing the paragraphs were given: for a copy that leaves the control as another
+/// format (HTML, OpenDocument), which would keep the room as spacing. Changes block formats: call
+/// it on a copy. Does nothing, quickly, in a document without room.
+void takeRoom(QTextDocument &document);
+
 /// \brief Paints the borders of \a block (laid out at \a bounds, document coordinates) that fall
 /// to it as part of its box. A border that would leave \a area is drawn at its edge. \a scale is
 /// the device pixels per screen pixel; \a textColour draws borders of automatic colour.

@@ -9,6 +9,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QPagedPaintDevice>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -58,6 +59,58 @@ void scaleParagraphGeometry(QTextDocument *document, qreal factor)
         format.setTextIndent(format.textIndent() * factor);
         cursor.setPosition(block.position());
         cursor.setBlockFormat(format);
+    }
+}
+
+// Small capitals spelt out as the capitals they show: each run of lower-case letters becomes its
+// upper-case letters at seven tenths of the size, the rest stays at full size, as the layout
+// draws small capitals itself. Needed on recording devices (the print preview records its pages
+// and plays them back): they keep each text item's text and font but lose the reduced font of a
+// small-capitals item, so the lower-case letters would play back shrunk out of sight.
+void spellOutSmallCaps(QTextDocument *document)
+{
+    struct Run {
+        int position;
+        QString text;
+        QTextCharFormat format;
+    };
+    QList<Run> runs;
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            if (fragment.charFormat().fontCapitalization() == QFont::SmallCaps)
+                runs.append({fragment.position(), fragment.text(), fragment.charFormat()});
+        }
+    }
+    QTextCursor cursor(document);
+    // From the end backwards: upper-casing may lengthen a run (a sharp s becomes two letters),
+    // which would move every run after it.
+    for (auto run = runs.crbegin(); run != runs.crend(); ++run) {
+        QTextCharFormat small = run->format;
+        small.setFontCapitalization(QFont::MixedCase);
+        const QFont font = run->format.font().resolve(document->defaultFont());
+        if (font.pointSizeF() > 0)
+            small.setFontPointSize(font.pointSizeF() * 0.7);
+        else
+            small.setProperty(QTextFormat::FontPixelSize, (font.pixelSize() * 7 + 5) / 10);
+        const QString &text = run->text;
+        for (qsizetype end = text.size(); end > 0;) {
+            const bool lower = text.at(end - 1).isLower();
+            qsizetype start = end - 1;
+            while (start > 0 && text.at(start - 1).isLower() == lower)
+                --start;
+            cursor.setPosition(run->position + int(start));
+            cursor.setPosition(run->position + int(end), QTextCursor::KeepAnchor);
+            if (lower) {
+                cursor.insertText(text.mid(start, end - start).toUpper(), small);
+            } else {
+                // Merged, not replaced: the piece may hold a picture, whose format must stay.
+                QTextCharFormat mixed;
+                mixed.setFontCapitalization(QFont::MixedCase);
+                cursor.mergeCharFormat(mixed);
+            }
+            end = start;
+        }
     }
 }
 
@@ -132,6 +185,8 @@ int QtEditorSurface::renderPages(QPagedPaintDevice *device, const PageRenderRequ
     rootFormat.setPadding(0);
     copy->rootFrame()->setFrameFormat(rootFormat);
     copy->setDocumentMargin(0);
+    if (device->paintEngine() && device->paintEngine()->type() == QPaintEngine::Picture)
+        spellOutSmallCaps(copy.get());
 
     QPainter painter;
     if (!painter.begin(device))

@@ -1,6 +1,7 @@
 #include "surface/surfacetextedit.h"
 
 #include "surface/drawnformats.h"
+#include "surface/paragraphborders.h"
 
 #include "core/editorsurface.h"
 #include "core/virtualkeys.h"
@@ -8,18 +9,22 @@
 #include "surface/rtf/rtfwriter.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QTextCursor>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QTextDocument>
+#include <QTextDocumentFragment>
+#include <QTextDocumentWriter>
 #include <QTextLayout>
 
 #include <limits>
+#include <memory>
 #include <optional>
 
 namespace kvrtb {
@@ -28,6 +33,27 @@ namespace {
 
 const QString kRtfMime = QStringLiteral("text/rtf");
 const QString kRtfMimeAlt = QStringLiteral("application/rtf");
+
+// The selection as QTextEdit offers it (plain text, HTML, OpenDocument) but with the room for
+// paragraph borders taken out of the spacing: taken from a copy of the document, as the room is
+// for this control's display only and would reach another program as spacing.
+QMimeData *mimeDataWithoutRoom(const QTextDocument &document, const QTextCursor &selection)
+{
+    std::unique_ptr<QTextDocument> copy(document.clone());
+    paragraphborders::takeRoom(*copy);
+    QTextCursor same(copy.get());
+    same.setPosition(selection.anchor());
+    same.setPosition(selection.position(), QTextCursor::KeepAnchor);
+    const QTextDocumentFragment fragment(same);
+    auto *data = new QMimeData;
+    data->setText(fragment.toPlainText());
+    data->setHtml(fragment.toHtml());
+    QBuffer odf;
+    QTextDocumentWriter writer(&odf, "ODF");
+    if (writer.write(fragment))
+        data->setData(QStringLiteral("application/vnd.oasis.opendocument.text"), odf.data());
+    return data;
+}
 
 int mouseButtonCode(Qt::MouseButtons buttons)
 {
@@ -207,8 +233,10 @@ bool SurfaceTextEdit::canInsertFromMimeData(const QMimeData *source) const
 
 QMimeData *SurfaceTextEdit::createMimeDataFromSelection() const
 {
-    QMimeData *data = QTextEdit::createMimeDataFromSelection();
     const QTextCursor cursor = textCursor();
+    QMimeData *data = cursor.hasSelection() && paragraphborders::hasRoom(*document())
+                          ? mimeDataWithoutRoom(*document(), cursor)
+                          : QTextEdit::createMimeDataFromSelection();
     if (cursor.hasSelection()) {
         const QByteArray rtf = rtf::writeRtf(*document(), cursor.selectionStart(), cursor.selectionEnd());
         data->setData(kRtfMime, rtf);

@@ -106,12 +106,22 @@ struct CellLook {
                 continue;
             const qreal width = format::twipsToPixels(border.width);
             const auto style = QTextFrameFormat::BorderStyle(border.style);
+            switch (side) {
+            case SideTop: qt.setTopBorder(width); qt.setTopBorderStyle(style); break;
+            case SideLeft: qt.setLeftBorder(width); qt.setLeftBorderStyle(style); break;
+            case SideBottom: qt.setBottomBorder(width); qt.setBottomBorderStyle(style); break;
+            default: qt.setRightBorder(width); qt.setRightBorderStyle(style); break;
+            }
+            // A cell's border without a brush is drawn black: black ones go without (each
+            // property of a cell's format costs time in every cell that has it).
+            if (border.colour == QColor(Qt::black))
+                continue;
             const QBrush brush(border.colour);
             switch (side) {
-            case SideTop: qt.setTopBorder(width); qt.setTopBorderStyle(style); qt.setTopBorderBrush(brush); break;
-            case SideLeft: qt.setLeftBorder(width); qt.setLeftBorderStyle(style); qt.setLeftBorderBrush(brush); break;
-            case SideBottom: qt.setBottomBorder(width); qt.setBottomBorderStyle(style); qt.setBottomBorderBrush(brush); break;
-            default: qt.setRightBorder(width); qt.setRightBorderStyle(style); qt.setRightBorderBrush(brush); break;
+            case SideTop: qt.setTopBorderBrush(brush); break;
+            case SideLeft: qt.setLeftBorderBrush(brush); break;
+            case SideBottom: qt.setBottomBorderBrush(brush); break;
+            default: qt.setRightBorderBrush(brush); break;
             }
         }
         if (background.isValid())
@@ -341,8 +351,10 @@ void Reader::applyTableLayout(TableBuild &build)
             // Cells past the definition have the properties of its last cell.
             const CellDef properties = def.cells.empty() ? CellDef() : def.cells[std::min(size_t(i), def.cells.size() - 1)];
             const CellLook look = lookOf(def, properties, r, i, cellCount, down);
-            const auto known = lookIndex.constFind(look);
-            if (known != lookIndex.cend()) {
+            // Neighbouring cells mostly look alike: the last cell's look is tried first.
+            if (!cells.empty() && looks[size_t(cells.back().look)] == look) {
+                plan.look = cells.back().look;
+            } else if (const auto known = lookIndex.constFind(look); known != lookIndex.cend()) {
                 plan.look = *known;
             } else {
                 plan.look = int(looks.size());

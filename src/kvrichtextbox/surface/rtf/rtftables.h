@@ -11,7 +11,9 @@
 //
 // Borders, shading, padding and vertical alignment are kept per cell in the cell's format
 // (QTextTableCellFormat); the table itself draws no border of its own (border collapse, width
-// 0), so a table whose source gives no borders is shown without lines.
+// 0), so a table whose source gives no borders is shown without lines. The exception: when
+// every cell has the same border of a pixel or more on all sides and nothing else, the table
+// gives it to all of them. Row heights are kept on the cells (TableRowHeight) but not drawn.
 
 #include <QTextFormat>
 
@@ -28,11 +30,11 @@ enum TableProperty {
     /// int, on the format of each cell of a row that gives one: the row's height in twips,
     /// positive for a least height, negative for an exact one. Qt's tables have no row
     /// heights, so it is kept and written back but does not change how the row is drawn.
-    TableRowHeight = QTextFormat::UserProperty + 74,
+    TableRowHeight = QTextFormat::UserProperty + 90,
     /// int, on a table's format when its rows start left of the margin (a negative \trleft):
     /// that edge in twips. The table's left margin is as near to it as the document's margin
     /// lets the table be drawn.
-    TableLeftEdge = QTextFormat::UserProperty + 75,
+    TableLeftEdge = QTextFormat::UserProperty + 91,
 };
 
 } // namespace kvrtb::rtf

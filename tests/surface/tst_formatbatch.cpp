@@ -8,6 +8,9 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextEdit>
+#include <QTextLayout>
 
 using namespace kvrtb;
 
@@ -200,6 +203,16 @@ private slots:
         const int line = int(text.indexOf(QStringLiteral("value2999")));
         QCOMPARE(surface->rangeCharFormat(line - 4, 3).color, std::optional<Colour>(kKeyword));
         QCOMPARE(surface->rangeCharFormat(line - 4, 3).fontName, std::optional<QString>(QStringLiteral("Courier New")));
+
+        // The rest is laid out later, in steps: painting the view right after the batch lays
+        // out what it shows, not the whole document.
+        auto *edit = qobject_cast<QTextEdit *>(surface->widget());
+        QVERIFY(edit);
+        surface->applyColourRuns(0, -1, base, runsOf(text, 0));
+        edit->viewport()->grab();
+        const QTextBlock first = edit->document()->firstBlock();
+        QVERIFY(first.layout() && first.layout()->lineCount() > 0);
+        QCOMPARE(edit->document()->lastBlock().layout()->lineCount(), 0);
     }
 };
 

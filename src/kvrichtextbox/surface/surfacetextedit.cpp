@@ -21,7 +21,9 @@
 #include <QTextDocument>
 #include <QTextDocumentFragment>
 #include <QTextDocumentWriter>
+#include <QTextLayout>
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -350,6 +352,22 @@ void SurfaceTextEdit::insertMimeData(const QMimeData *source)
     QTextEdit::insertFromMimeData(source);
 }
 
+namespace {
+
+/// Where paragraph borders may reach: the document's area. Asking a document that is still
+/// being laid out in steps for its size would lay all of it out at once, in the middle of a
+/// paint; until its last paragraph is laid out the area is left open below (no paragraph painted
+/// then is near the bottom) and as wide as the page.
+QRectF borderArea(const QTextDocument &document)
+{
+    const QTextLayout *last = document.lastBlock().layout();
+    if (last && last->lineCount() > 0)
+        return QRectF(QPointF(0, 0), document.size());
+    return QRectF(0, 0, document.pageSize().width(), std::numeric_limits<qreal>::max());
+}
+
+} // namespace
+
 void SurfaceTextEdit::paintEvent(QPaintEvent *event)
 {
     const QPointF offset(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
@@ -365,8 +383,7 @@ void SurfaceTextEdit::paintEvent(QPaintEvent *event)
     QPainter painter(viewport());
     painter.translate(offset);
     painter.setClipRect(area);
-    drawnformats::paintOverText(painter, *document(), area, QRectF(QPointF(0, 0), document()->size()),
-                                palette().color(QPalette::Text));
+    drawnformats::paintOverText(painter, *document(), area, borderArea(*document()), palette().color(QPalette::Text));
 }
 
 void SurfaceTextEdit::changeEvent(QEvent *event)

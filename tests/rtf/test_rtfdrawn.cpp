@@ -165,6 +165,28 @@ int longRulesOnFirstPage(const QString &pdf, const QString &dir)
     return rules;
 }
 
+// A control on screen with a document loaded, as a user meets it; its changes are dropped at the
+// end (no question on closing).
+struct ShownControl {
+    RecordingPlatformServices services;
+    KvRTB control{services};
+    QTextEdit *edit = nullptr;
+
+    bool load(const QString &rtf)
+    {
+        control.resize(700, 400);
+        control.show();
+        if (!QTest::qWaitForWindowExposed(&control))
+            return false;
+        control.setTextRTF(rtf);
+        edit = control.findChild<QTextEdit *>();
+        QApplication::processEvents();
+        return edit != nullptr;
+    }
+    const QTextDocument &doc() const { return *edit->document(); }
+    ~ShownControl() { control.SetRTBChanged(false); }
+};
+
 } // namespace
 
 class TestRtfDrawn : public QObject {
@@ -260,15 +282,11 @@ private slots:
     {
         // A box whose first paragraph has 120 twips (8 px) of spacing above: the room for its
         // top line stands on top of that on screen, but no copy of it may carry the room.
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(700, 400);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setTextRTF(QString::fromLatin1(kBorderDocument).replace(QStringLiteral("\\cbpat2 boxed one"),
-                                                                        QStringLiteral("\\cbpat2\\sb120 boxed one")));
-        auto *edit = control.findChild<QTextEdit *>();
-        const QTextDocument &doc = *edit->document();
+        ShownControl shown;
+        QVERIFY(shown.load(QString::fromLatin1(kBorderDocument).replace(QStringLiteral("\\cbpat2 boxed one"),
+                                                                        QStringLiteral("\\cbpat2\\sb120 boxed one"))));
+        QTextEdit *edit = shown.edit;
+        const QTextDocument &doc = shown.doc();
         QVERIFY(doc.findBlockByNumber(1).blockFormat().topMargin() > 8 + 7);
 
         edit->setFocus();
@@ -297,19 +315,15 @@ private slots:
                      doc.findBlockByNumber(i).blockFormat().bottomMargin());
         }
         QCOMPARE(*format::readPara(doc.findBlockByNumber(5)).spaceBefore, 120);
-        control.SetRTBChanged(false);
     }
 
     void breaksAndJoinsInsideABoxKeepItsRoomAtItsEdges()
     {
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(700, 400);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setTextRTF(QString::fromLatin1(kBorderDocument));
-        auto *edit = control.findChild<QTextEdit *>();
-        const QTextDocument &doc = *edit->document();
+        ShownControl shown;
+        QVERIFY(shown.load(QString::fromLatin1(kBorderDocument)));
+        KvRTB &control = shown.control;
+        QTextEdit *edit = shown.edit;
+        const QTextDocument &doc = shown.doc();
         const auto margins = [&doc](int block) {
             const QTextBlockFormat f = doc.findBlockByNumber(block).blockFormat();
             return std::pair(f.topMargin(), f.bottomMargin());
@@ -368,21 +382,15 @@ private slots:
         QCOMPARE(doc.findBlockByNumber(1).text(), QStringLiteral("boxed onex"));
         QCOMPARE(edit->textCursor().position(), doc.findBlockByNumber(1).position() + 10);
         QCOMPARE(margins(1), std::pair(first.first, last.second));
-        control.SetRTBChanged(false);
     }
 
     void aBoxAtTheTopOfTheDocumentHasItsRoomThere()
     {
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(700, 400);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        const QString boxedFirst = QStringLiteral("{\\rtf1\\ansi\\pard\\box\\brdrs\\brdrw30\\brsp80 first\\par\\pard plain\\par}");
-        control.setTextRTF(boxedFirst);
-        auto *edit = control.findChild<QTextEdit *>();
-        const QTextDocument &doc = *edit->document();
-        QApplication::processEvents();
+        ShownControl shown;
+        QVERIFY(shown.load(QStringLiteral("{\\rtf1\\ansi\\pard\\box\\brdrs\\brdrw30\\brsp80 first\\par\\pard plain\\par}")));
+        KvRTB &control = shown.control;
+        QTextEdit *edit = shown.edit;
+        const QTextDocument &doc = shown.doc();
         // The top line (80 twips out from the text, 2 px wide) stands in room above the text,
         // below the document's margin, not on the text at the edge.
         const qreal margin = doc.documentMargin();
@@ -427,7 +435,6 @@ private slots:
         // Without a box at the top, the document starts at its margin again.
         control.setTextRTF(QStringLiteral("{\\rtf1\\ansi plain\\par\\pard\\box\\brdrs boxed\\par}"));
         QCOMPARE(boundsOf(doc, 0).top(), margin);
-        control.SetRTBChanged(false);
     }
 
     void leadersFillTheGapBeforeTheirStop()

@@ -371,10 +371,26 @@ private slots:
         QCOMPARE(margins(2), last);
         QCOMPARE(rtf::writeRtf(doc), written);
 
+        // Selecting across the box, copying and moving change nothing, nor does Backspace in a
+        // locked control.
+        const int steps = doc.availableUndoSteps();
+        QTest::keyClick(edit, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Down);
+        QTest::keyClick(edit, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(edit, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(edit, Qt::Key_C, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(edit, Qt::Key_Right);
+        control.setLocked(true);
+        QTest::keyClick(edit, Qt::Key_Backspace);
+        control.setLocked(false);
+        QCOMPARE(doc.availableUndoSteps(), steps);
+        QCOMPARE(rtf::writeRtf(doc), written);
+
         // Typing over a selection from the end of the box's first paragraph to the end of its
         // last: the one paragraph left is both and has the room above and below.
-        QTest::keyClick(edit, Qt::Key_Home);
-        QTest::keyClick(edit, Qt::Key_Up);
+        QTest::keyClick(edit, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClick(edit, Qt::Key_Down);
         QTest::keyClick(edit, Qt::Key_End);
         QTest::keyClick(edit, Qt::Key_Down, Qt::ShiftModifier);
         QTest::keyClick(edit, Qt::Key_X);

@@ -67,12 +67,27 @@ struct Reshaping {
     bool any() const { return splits || joinFrom >= 0; }
 };
 
+// Keys that change the text at the selection (a selection moved or copied does not).
+bool editsText(const QKeyEvent &key)
+{
+    switch (key.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete: return true;
+    default: break;
+    }
+    const QString text = key.text();
+    return key.matches(QKeySequence::Cut)
+           || (!text.isEmpty() && text.at(0).isPrint() && !(key.modifiers() & (Qt::ControlModifier | Qt::MetaModifier)));
+}
+
 Reshaping reshapingOf(const QKeyEvent &key, const QTextCursor &cursor)
 {
     Reshaping reshaping;
     const QTextDocument *doc = cursor.document();
     if (cursor.hasSelection()) {
-        if (doc->findBlock(cursor.selectionStart()) != doc->findBlock(cursor.selectionEnd()))
+        if (editsText(key) && doc->findBlock(cursor.selectionStart()) != doc->findBlock(cursor.selectionEnd()))
             reshaping = {false, cursor.selectionStart(), cursor.selectionEnd()};
         return reshaping;
     }
@@ -190,7 +205,7 @@ void SurfaceTextEdit::keyPressEvent(QKeyEvent *event)
             return;
         }
     }
-    const Reshaping reshaping = reshapingOf(*key, textCursor());
+    const Reshaping reshaping = isReadOnly() ? Reshaping() : reshapingOf(*key, textCursor());
     if (reshaping.any())
         editFittingBoxes([this, key] { QTextEdit::keyPressEvent(key); }, reshaping.joinFrom, reshaping.joinTo);
     else

@@ -451,6 +451,15 @@ private slots:
         // Without a box at the top, the document starts at its margin again.
         control.setTextRTF(QStringLiteral("{\\rtf1\\ansi plain\\par\\pard\\box\\brdrs boxed\\par}"));
         QCOMPARE(boundsOf(doc, 0).top(), margin);
+        for (const QString &plain : {QStringLiteral("{\\rtf1\\ansi no borders\\par}"), QStringLiteral("plain text")}) {
+            control.setTextRTF(QString::fromLatin1(kBorderDocument).replace(QStringLiteral("\\pard plain above\\par"), QString()));
+            QVERIFY(boundsOf(doc, 0).top() >= margin + 7);
+            if (plain.startsWith(QLatin1Char('{')))
+                control.setTextRTF(plain);
+            else
+                control.setText(plain);
+            QCOMPARE(boundsOf(doc, 0).top(), margin);
+        }
     }
 
     void leadersFillTheGapBeforeTheirStop()

@@ -3,6 +3,7 @@
 #include "surface/lettershadows.h"
 #include "surface/listmarkers.h"
 #include "surface/paragraphborders.h"
+#include "surface/rtf/rtfformats.h"
 #include "surface/tableaders.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -10,18 +11,48 @@
 #include <QPainter>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextFrame>
 #include <QTextLayout>
 
 #include <algorithm>
 
 namespace kvrtb::drawnformats {
 
+namespace {
+
+// Where to hit-test for the paragraph at a given height. The layout only finds the paragraph
+// quickly when the point lies inside its laid-out lines; a point beside them (left of the
+// document's margin, where a repaint usually starts) makes it walk every paragraph to the end of
+// the document. The middle of the page lies inside the lines of nearly every paragraph; without a
+// page width (no wrapping) the text's left edge does.
+qreal hitTestX(const QTextDocument &document)
+{
+    const qreal width = document.pageSize().width();
+    if (width > 0 && width < 1e6)
+        return width / 2;
+    return document.rootFrame()->frameFormat().leftMargin() + 1;
+}
+
+} // namespace
+
+bool mayHoldDrawnFormats(const QTextDocument &document)
+{
+    // The collection holds every format a character, paragraph or list of the document refers to
+    // (and formats no longer used, until the document is cleared), so it is never missing one the
+    // text shows, whatever route put it there: reading, pasting, typing, undoing.
+    const QList<QTextFormat> formats = document.allFormats();
+    return std::any_of(formats.cbegin(), formats.cend(), [](const QTextFormat &format) {
+        return format.isListFormat() || format.hasProperty(rtf::CharShadow) || format.hasProperty(rtf::ParagraphBorders)
+               || format.hasProperty(rtf::TabLeaders);
+    });
+}
+
 void forEachBlockIn(const QTextDocument &document, const QRectF &clip,
                     const std::function<void(const QTextBlock &, const QRectF &)> &visit)
 {
     QAbstractTextDocumentLayout *layout = document.documentLayout();
     // The first paragraph that reaches the clip, then every paragraph down to its bottom.
-    const int position = layout->hitTest(QPointF(clip.left(), clip.top()), Qt::FuzzyHit);
+    const int position = layout->hitTest(QPointF(hitTestX(document), clip.top()), Qt::FuzzyHit);
     QTextBlock block = document.findBlock(std::max(0, position));
     // A paragraph that starts above the clip may still reach into it: step back over it.
     while (block.isValid() && block.previous().isValid() && layout->blockBoundingRect(block).top() > clip.top())
@@ -50,6 +81,8 @@ qreal deviceScale(const QTextDocument &document)
 
 void paintUnderText(QPainter &painter, const QTextDocument &document, const QRectF &clip)
 {
+    if (!mayHoldDrawnFormats(document))
+        return;
     const qreal scale = deviceScale(document);
     forEachBlockIn(document, clip, [&](const QTextBlock &block, const QRectF &bounds) {
         lettershadows::paint(painter, block, bounds, scale);
@@ -59,6 +92,8 @@ void paintUnderText(QPainter &painter, const QTextDocument &document, const QRec
 void paintOverText(QPainter &painter, const QTextDocument &document, const QRectF &clip, const QRectF &borderArea,
                    const QColor &textColour)
 {
+    if (!mayHoldDrawnFormats(document))
+        return;
     const qreal scale = deviceScale(document);
     forEachBlockIn(document, clip, [&](const QTextBlock &block, const QRectF &bounds) {
         paragraphborders::paintBlock(painter, block, bounds, borderArea, scale, textColour);

@@ -21,6 +21,12 @@ namespace kvrtb::drawnformats {
 void forEachBlockIn(const QTextDocument &document, const QRectF &clip,
                     const std::function<void(const QTextBlock &, const QRectF &)> &visit);
 
+/// \brief False when no text, paragraph or list of \a document can have anything the surface
+/// draws (shadows, borders, tab leaders, list markers): then the two paint calls return at once.
+/// It may be true without need (a format no longer used), never false wrongly. Costs a look at
+/// each of the document's distinct formats, not at its paragraphs.
+bool mayHoldDrawnFormats(const QTextDocument &document);
+
 /// \brief How many device pixels one screen pixel of the document's formats takes where
 /// \a document is laid out (1 on screen; the printer's resolution over 96 on paper).
 qreal deviceScale(const QTextDocument &document);

@@ -20,17 +20,19 @@ namespace kvrtb::drawnformats {
 
 namespace {
 
-// Where to hit-test for the paragraph at a given height. The layout only finds the paragraph
-// quickly when the point lies inside its laid-out lines; a point beside them (left of the
-// document's margin, where a repaint usually starts) makes it walk every paragraph to the end of
-// the document. The middle of the page lies inside the lines of nearly every paragraph; without a
-// page width (no wrapping) the text's left edge does.
-qreal hitTestX(const QTextDocument &document)
+// Where to hit-test for the first paragraph that reaches \a clip. The layout finds a paragraph
+// quickly only when the point lies inside its laid-out lines; a point beside them makes it walk
+// every paragraph to the end of the document. A repaint usually starts at the view's left edge,
+// left of the document's margin, and at the top of the document above its first paragraph: the
+// point is moved into the middle of the page (inside the lines of nearly every paragraph; the
+// text's left edge without a page width, when lines do not wrap) and down to the first paragraph.
+// A clip that starts in the spacing between two paragraphs still costs the walk.
+QPointF hitTestPoint(const QTextDocument &document, const QRectF &clip)
 {
     const qreal width = document.pageSize().width();
-    if (width > 0 && width < 1e6)
-        return width / 2;
-    return document.rootFrame()->frameFormat().leftMargin() + 1;
+    const qreal x = width > 0 && width < 1e6 ? width / 2 : document.rootFrame()->frameFormat().leftMargin() + 1;
+    const qreal top = document.documentLayout()->blockBoundingRect(document.firstBlock()).top();
+    return QPointF(x, std::max(clip.top(), top));
 }
 
 } // namespace
@@ -52,7 +54,7 @@ void forEachBlockIn(const QTextDocument &document, const QRectF &clip,
 {
     QAbstractTextDocumentLayout *layout = document.documentLayout();
     // The first paragraph that reaches the clip, then every paragraph down to its bottom.
-    const int position = layout->hitTest(QPointF(hitTestX(document), clip.top()), Qt::FuzzyHit);
+    const int position = layout->hitTest(hitTestPoint(document, clip), Qt::FuzzyHit);
     QTextBlock block = document.findBlock(std::max(0, position));
     // A paragraph that starts above the clip may still reach into it: step back over it.
     while (block.isValid() && block.previous().isValid() && layout->blockBoundingRect(block).top() > clip.top())

@@ -2,17 +2,46 @@
 
 // Helpers shared by the RTF tests.
 
+#include "control/kvrtb.h"
+#include "core/recordingplatformservices.h"
 #include "surface/rtf/rtfreader.h"
 #include "surface/rtf/rtfwriter.h"
 
+#include <QApplication>
 #include <QByteArray>
 #include <QImage>
 #include <QPainter>
+#include <QTest>
+#include <QTextEdit>
 #include <QTextDocument>
 #include <QTextFrame>
 #include <QTextTable>
 
 namespace kvrtb::test {
+
+/// A control on screen with a document loaded, as a user meets it; its changes are dropped at
+/// the end (no question on closing).
+struct ShownControl {
+    RecordingPlatformServices services;
+    KvRTB control{services};
+    QTextEdit *edit = nullptr;
+
+    /// Shows the control at \a size, loads \a rtf and lets it paint; false when the window
+    /// never showed or the control has no editor.
+    bool load(const QString &rtf, QSize size = QSize(700, 400))
+    {
+        control.resize(size);
+        control.show();
+        if (!QTest::qWaitForWindowExposed(&control))
+            return false;
+        control.setTextRTF(rtf);
+        edit = control.findChild<QTextEdit *>();
+        QApplication::processEvents();
+        return edit != nullptr;
+    }
+    QTextDocument &doc() const { return *edit->document(); }
+    ~ShownControl() { control.SetRTBChanged(false); }
+};
 
 /// The first table of the document's top level, or nullptr.
 inline QTextTable *firstTable(const QTextDocument &doc)

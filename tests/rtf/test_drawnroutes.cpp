@@ -3,6 +3,7 @@
 // the box, undoing its removal), its borders show at once, and a repaint of only part of the
 // view still draws the part of the box inside it.
 
+#include "rtftesthelpers.h"
 #include "testregistry.h"
 #include "control/kvrtb.h"
 #include "core/recordingplatformservices.h"
@@ -69,14 +70,11 @@ class TestDrawnRoutes : public QObject {
 private slots:
     void bordersShowWhicheverRouteBringsThemIn()
     {
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(700, 500);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        auto *edit = control.findChild<QTextEdit *>();
-        QVERIFY(edit);
-        QTextDocument &doc = *edit->document();
+        test::ShownControl onScreen;
+        QVERIFY(onScreen.load(kPlain, QSize(700, 500)));
+        KvRTB &control = onScreen.control;
+        QTextEdit *edit = onScreen.edit;
+        QTextDocument &doc = onScreen.doc();
         const auto view = [edit] {
             QApplication::processEvents();
             return edit->viewport()->grab().toImage();

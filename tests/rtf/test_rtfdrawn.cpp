@@ -4,6 +4,7 @@
 // on rendered pixels against the same document rendered without it, in the editor on screen and
 // on a printed page, and none of it may become text.
 
+#include "rtftesthelpers.h"
 #include "testregistry.h"
 #include "control/kvrtb.h"
 #include "core/recordingplatformservices.h"
@@ -165,27 +166,6 @@ int longRulesOnFirstPage(const QString &pdf, const QString &dir)
     return rules;
 }
 
-// A control on screen with a document loaded, as a user meets it; its changes are dropped at the
-// end (no question on closing).
-struct ShownControl {
-    RecordingPlatformServices services;
-    KvRTB control{services};
-    QTextEdit *edit = nullptr;
-
-    bool load(const QString &rtf)
-    {
-        control.resize(700, 400);
-        control.show();
-        if (!QTest::qWaitForWindowExposed(&control))
-            return false;
-        control.setTextRTF(rtf);
-        edit = control.findChild<QTextEdit *>();
-        QApplication::processEvents();
-        return edit != nullptr;
-    }
-    const QTextDocument &doc() const { return *edit->document(); }
-    ~ShownControl() { control.SetRTBChanged(false); }
-};
 
 } // namespace
 
@@ -282,7 +262,7 @@ private slots:
     {
         // A box whose first paragraph has 120 twips (8 px) of spacing above: the room for its
         // top line stands on top of that on screen, but no copy of it may carry the room.
-        ShownControl shown;
+        test::ShownControl shown;
         QVERIFY(shown.load(QString::fromLatin1(kBorderDocument).replace(QStringLiteral("\\cbpat2 boxed one"),
                                                                         QStringLiteral("\\cbpat2\\sb120 boxed one"))));
         QTextEdit *edit = shown.edit;
@@ -319,7 +299,7 @@ private slots:
 
     void breaksAndJoinsInsideABoxKeepItsRoomAtItsEdges()
     {
-        ShownControl shown;
+        test::ShownControl shown;
         QVERIFY(shown.load(QString::fromLatin1(kBorderDocument)));
         KvRTB &control = shown.control;
         QTextEdit *edit = shown.edit;
@@ -402,7 +382,7 @@ private slots:
 
     void aBoxAtTheTopOfTheDocumentHasItsRoomThere()
     {
-        ShownControl shown;
+        test::ShownControl shown;
         QVERIFY(shown.load(QStringLiteral("{\\rtf1\\ansi\\pard\\box\\brdrs\\brdrw30\\brsp80 first\\par\\pard plain\\par}")));
         KvRTB &control = shown.control;
         QTextEdit *edit = shown.edit;
@@ -520,16 +500,11 @@ private slots:
 
     void theEditorAndPrintedPagesShowThemAsNoText()
     {
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(700, 500);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setTextRTF(QString::fromLatin1(kBorderDocument));
-        auto *edit = control.findChild<QTextEdit *>();
-        QVERIFY(edit);
-        QApplication::processEvents();
-        const QTextDocument &doc = *edit->document();
+        test::ShownControl shown;
+        QVERIFY(shown.load(QString::fromLatin1(kBorderDocument), QSize(700, 500)));
+        KvRTB &control = shown.control;
+        QTextEdit *edit = shown.edit;
+        const QTextDocument &doc = shown.doc();
         const QRectF one = boundsOf(doc, 1);
         const QRectF two = boundsOf(doc, 2);
         const int textLeft = int(one.left() + doc.findBlockByNumber(1).blockFormat().leftMargin());

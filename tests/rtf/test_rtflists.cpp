@@ -2,6 +2,7 @@
 // paragraph's font), where list paragraphs sit, and that markers never become text: in the
 // document, the selection, RTF read back, the editor on screen and printed pages.
 
+#include "rtftesthelpers.h"
 #include "testregistry.h"
 #include "control/kvrtb.h"
 #include "core/recordingplatformservices.h"
@@ -176,15 +177,10 @@ private slots:
 
     void theEditorAndItsPrintedPagesShowTheMarkers()
     {
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(700, 400);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setTextRTF(QString::fromLatin1(kListDocument));
-        auto *edit = control.findChild<QTextEdit *>();
-        QVERIFY(edit);
-        QApplication::processEvents();
+        test::ShownControl shown;
+        QVERIFY(shown.load(QString::fromLatin1(kListDocument)));
+        KvRTB &control = shown.control;
+        QTextEdit *edit = shown.edit;
         // On screen: ink in the hanging indent of the first item.
         const QTextBlock first = edit->document()->begin();
         const QRect line = firstLineOf(*edit->document(), first);

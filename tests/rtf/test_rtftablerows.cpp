@@ -94,14 +94,12 @@ private slots:
     {
         // A user opens the document in the control, types before the table and saves: the row
         // heights and the left edge are still there, and so is every character.
-        RecordingPlatformServices services;
-        KvRTB control(services);
-        control.resize(500, 300);
-        control.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&control));
-        control.setTextRTF(QString::fromLatin1(
+        test::ShownControl shown;
+        QVERIFY(shown.load(QString::fromLatin1(
             "{\\rtf1\\ansi\\pard Before\\par\\trowd\\trleft-108\\trrh400\\cellx2000\\cellx4000\\pard\\intbl a\\cell b\\cell"
-            "\\row\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000\\pard\\intbl c\\cell d\\cell\\row\\pard after\\par}"));
+            "\\row\\trowd\\trleft-108\\trrh-600\\cellx2000\\cellx4000\\pard\\intbl c\\cell d\\cell\\row\\pard after\\par}"),
+                           QSize(500, 300)));
+        KvRTB &control = shown.control;
         QWidget *editor = control.RichTextBox1().widget();
         editor->setFocus();
         QTest::keyClick(editor, Qt::Key_Home, Qt::ControlModifier);
